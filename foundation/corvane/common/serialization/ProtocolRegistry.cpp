@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "foundation/corvane/common/serialization/ProtocolRegistry.hpp"
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "foundation/corvane/common/serialization/Registry.hpp"
+#include "foundation/corvane/common/session/Version.hpp"
+#include "foundation/log/file_logger.hpp"
+#include "foundation/log/function_scope.hpp"
+
+namespace foundation::corvane::common::serialization {
+
+namespace {
+
+// deliberate: the channel says session although the class lives in serialization; users filter by this name.
+constinit log::file_logger logger{"foundation::corvane::common::session::ProtocolRegistry"};
+
+constexpr auto sourcePath = "foundation/corvane/common/serialization/ProtocolRegistry";
+
+}  // namespace
+
+ProtocolRegistry::ProtocolRegistry() = default;
+ProtocolRegistry::~ProtocolRegistry() = default;
+
+std::shared_ptr<ProtocolRegistry> ProtocolRegistry::create(const std::string& softwareName,
+                                                           const std::string& softwareVersion) {
+  std::shared_ptr<ProtocolRegistry> registry(new ProtocolRegistry);
+  registry->setSoftwareDescription(softwareName, softwareVersion);
+  return registry;
+}
+
+void ProtocolRegistry::setSoftwareDescription(const std::string& name, const std::string& version) {
+  FOUNDATION_LOG_FUNCTION(logger, sourcePath);
+  FOUNDATION_LOG(logger, 2) << " softwareName()=" << softwareName()
+                            << " softwareVersion()=" << softwareVersion() << " name=" << name
+                            << " version=" << version;
+  // Copied first, so that running out of memory leaves the old description whole.
+  auto newName = name;
+  auto newVersion = version;
+  const std::lock_guard lock(mutex_);
+  softwareName_.swap(newName);
+  softwareVersion_.swap(newVersion);
+}
+
+std::string ProtocolRegistry::softwareName() const {
+  const std::lock_guard lock(mutex_);
+  return softwareName_;
+}
+
+std::string ProtocolRegistry::softwareVersion() const {
+  const std::lock_guard lock(mutex_);
+  return softwareVersion_;
+}
+
+void ProtocolRegistry::registerProtocolInitializer(const std::string& protocolName,
+                                                   const ProtocolInitializer& initializer,
+                                                   const std::vector<session::FeatureRequest>& features) {
+  FOUNDATION_LOG_FUNCTION(logger, sourcePath);
+  FOUNDATION_LOG(logger, 2) << " protocolName=" << protocolName << " softwareName()=" << softwareName()
+                            << " softwareVersion()=" << softwareVersion();
+  // Outlives the lock: a refused copy of the initializer is destroyed when the mutex is free, and may call
+  // back.
+  Protocols::node_type entry;
+  const std::lock_guard lock(mutex_);
+  Protocols single;
+  single.try_emplace(protocolName, ProtocolEntry{initializer, features});
+  entry = single.extract(single.begin());
+  if (auto insertion = protocols_.insert(std::move(entry)); !insertion.inserted) {
+    entry = std::move(insertion.node);
+    throw std::logic_error("Message protocol registered more than once");
+  }
+}
+
+void ProtocolRegistry::releaseProtocolInitializer(const std::string& protocolName) noexcept {
+  FOUNDATION_LOG_FUNCTION(logger, sourcePath);
+  FOUNDATION_LOG(logger, 2) << " protocolName=" << protocolName << " softwareName()=" << softwareName()
+                            << " softwareVersion()=" << softwareVersion();
+  // Outlives the lock: the initializer is destroyed when the mutex is free, and may call back.
+  Protocols::node_type entry;
+  const std::lock_guard lock(mutex_);
+  entry = protocols_.extract(protocolName);
+}
+
+bool ProtocolRegistry::exists(const std::string& protocolName) const {
+  const std::lock_guard lock(mutex_);
+  return protocols_.contains(protocolName);
+}
+
+std::vector<session::FeatureRequest> ProtocolRegistry::getAvailableFeatures(
+    const std::string& protocolName) const {
+  const std::lock_guard lock(mutex_);
+  const auto protocol = protocols_.find(protocolName);
+  if (protocol == protocols_.end()) return {};
+  return protocol->second.features;
+}
+
+ProtocolInitializer ProtocolRegistry::getProtocolInitializer(const std::string& protocolName) const noexcept {
+  FOUNDATION_LOG_FUNCTION(logger, sourcePath);
+  FOUNDATION_LOG(logger, 2) << " protocolName=" << protocolName << " softwareName()=" << softwareName()
+                            << " softwareVersion()=" << softwareVersion();
+  const std::lock_guard lock(mutex_);
+  const auto protocol = protocols_.find(protocolName);
+  if (protocol != protocols_.end()) return protocol->second.initializer;
+  FOUNDATION_LOG(logger, 4) << protocolName << " does not exist in map";
+  return {};
+}
+
+std::vector<std::string> ProtocolRegistry::protocolNames() const {
+  std::vector<std::string> names;
+  {
+    const std::lock_guard lock(mutex_);
+    names.reserve(protocols_.size());
+    for (const auto& [name, protocol] : protocols_) names.push_back(name);
+  }
+  std::ranges::sort(names);
+  return names;
+}
+
+std::pair<std::pair<unsigned, unsigned>, std::unordered_map<std::string, std::string>>
+ProtocolRegistry::installProtocol(const std::string& protocolName,
+                                  const std::pair<unsigned, unsigned>& version,
+                                  const std::unordered_map<std::string, std::string>& configuration,
+                                  const std::shared_ptr<Registry>& registry) const {
+  FOUNDATION_LOG_FUNCTION(logger, sourcePath);
+  FOUNDATION_LOG(logger, 2) << " protocolName=" << protocolName << " softwareName()=" << softwareName()
+                            << " softwareVersion()=" << softwareVersion()
+                            << " registry->softwareName()=" << registry->softwareName();
+
+  // First what the registry holds: a protocol that is installed counts even if it has been released since.
+  const auto present = registry->installedProtocol(protocolName);
+  if (present == version) return {present, registry->installedConfiguration(protocolName)};
+  if (present != session::undefinedVersion) {
+    throw std::logic_error("Incompatible message protocol versions requested");
+  }
+
+  const auto initializer = getProtocolInitializer(protocolName);
+  if (!initializer) {
+    FOUNDATION_LOG(logger, 512) << "no intializer";  // deliberate: users search their logs for this spelling
+    return {session::undefinedVersion, {}};
+  }
+  auto installed = initializer(registry, version, configuration);
+  if (installed.first != session::undefinedVersion) {
+    registry->setInstalledProtocol(protocolName, installed.first, installed.second);
+  }
+  return installed;
+}
+
+}  // namespace foundation::corvane::common::serialization

@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <typeindex>
+#include <typeinfo>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "foundation/core/export.hpp"
+
+namespace foundation::corvane::common::serialization {
+
+class ProtocolRegistry;
+class SerializerBase;
+
+/// The serializers of one connection, and the record of the protocols installed into it.
+///
+///     const auto registry = Registry::create("client");
+///     protocols->installProtocol("Telemetry", {2, 1}, {}, registry);
+///     registry->close();  // it takes no more serializers
+///
+/// Lifetime: always held by `std::shared_ptr`. Owns its serializers; they refer back to it weakly.
+/// Threads: no lock inside. One thread fills it; once nobody changes it, all may read it.
+/// Errors: beside those named below, std::bad_alloc; the registry is as before then.
+/// Trace: the diagnostic channel "foundation::corvane::common::serialization::Registry".
+class FOUNDATION_EXPORT Registry : public std::enable_shared_from_this<Registry> {
+ public:
+  /// An open registry without serializers, for a connection of the software so named.
+  static std::shared_ptr<Registry> create(std::string softwareName);
+
+  /// An open registry, of the same software name as `src`, into which every protocol of `src` was installed
+  /// anew through `protocolRegistry`: same protocols, versions and configurations, in the same order, or an
+  /// error. Neither argument may be empty; `src` is not changed.
+  /// @throws std::logic_error "Inconsistent serialization protocol version" if an initializer installs
+  /// another version
+  ///         than `src` records, or nothing.
+  /// @throws std::logic_error "Inconsistent serialization protocol configuration" if the version is right but
+  /// the
+  ///         configuration differs in size, in a key or in a value.
+  /// @throws Whatever `ProtocolRegistry::installProtocol` throws.
+  static std::shared_ptr<Registry> create(const std::shared_ptr<const Registry>& src,
+                                          const std::shared_ptr<const ProtocolRegistry>& protocolRegistry);
+
+  Registry(const Registry&) = delete;
+  Registry& operator=(const Registry&) = delete;
+  ~Registry();
+
+  /// Ends the time of `insert`, for good. Everything else goes on working.
+  void close() noexcept;
+
+  /// Adds `serializer` (never empty) under its tag and its handled type. Amortised constant.
+  /// @throws std::logic_error "Updates to closed serializer registry not supported." after `close()`; nothing
+  /// has
+  ///         changed.
+  /// @throws std::logic_error "Serializer registered twice." if the tag or the type is present; the tables
+  /// are as
+  ///         before, but `serializer` points at this registry.
+  void insert(const std::shared_ptr<const SerializerBase>& serializer);
+
+  /// Whether there is a serializer of this tag.
+  bool exists(const std::string& tag) const;
+
+  /// Whether there is a serializer that handles this type.
+  bool exists(const std::type_info& type) const;
+
+  /// The serializer of this tag; empty if there is none.
+  std::shared_ptr<const SerializerBase> serializer(const std::string& tag) const;
+
+  /// The serializer that handles this type; empty if there is none.
+  std::shared_ptr<const SerializerBase> serializer(const std::type_info& type) const;
+
+  /// Records a protocol as installed. Works on a closed registry too. Usually called by
+  /// `ProtocolRegistry::installProtocol` alone.
+  /// @throws std::logic_error "Message serialization protocol installed twice" if the name has a version;
+  /// nothing has
+  ///         changed.
+  /// @throws std::logic_error "Message protocol configuration installed twice" if the name has no version but
+  /// a
+  ///         configuration; the version is recorded then. No sequence of calls leads there.
+  void setInstalledProtocol(const std::string& protocolName, const std::pair<unsigned, unsigned>& version,
+                            const std::unordered_map<std::string, std::string>& configuration);
+
+  /// The version at which a protocol is installed; `session::undefinedVersion` if it is not.
+  std::pair<unsigned, unsigned> installedProtocol(const std::string& protocolName) const;
+
+  /// The configuration with which a protocol is installed; empty if it is not.
+  std::unordered_map<std::string, std::string> installedConfiguration(const std::string& protocolName) const;
+
+  /// The names of the protocols, in the order in which they were installed.
+  std::vector<std::string> protocols() const;
+
+  /// The name given at creation. Valid as long as the registry.
+  const std::string& softwareName() const noexcept { return softwareName_; }
+
+ private:
+  explicit Registry(std::string softwareName);
+
+  std::string softwareName_;
+  bool closed_ = false;
+
+  // Each serializer has exactly one entry in each index: its position in the list.
+  std::vector<std::shared_ptr<const SerializerBase>> serializers_;
+  std::unordered_map<std::string, std::uint64_t> positionsByTag_;
+  std::unordered_map<std::type_index, std::uint64_t> positionsByType_;
+
+  // The names are exactly the keys of the versions.
+  std::vector<std::string> protocols_;
+  std::unordered_map<std::string, std::pair<unsigned, unsigned>> versions_;
+  std::unordered_map<std::string, std::unordered_map<std::string, std::string>> configurations_;
+};
+
+}  // namespace foundation::corvane::common::serialization

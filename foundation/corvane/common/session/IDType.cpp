@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "foundation/corvane/common/session/IDType.hpp"
+
+#include <pthread.h>
+#include <unistd.h>
+
+#include <atomic>
+
+namespace foundation::corvane::common::session {
+
+namespace {
+
+// Constant initialisation, so that static initialisers may draw identifiers. Relaxed everywhere: the numbers
+// only have to differ, nothing is published through them.
+constinit std::atomic<std::uint64_t> lastSequence{0};
+constinit std::atomic<std::int64_t> cachedProcessId{0};  // 0: not asked for yet
+
+void forgetProcessId() noexcept {
+  cachedProcessId.store(0, std::memory_order_relaxed);
+}
+
+[[maybe_unused]] const int forkHandler = pthread_atfork(nullptr, nullptr, forgetProcessId);
+
+std::int64_t nextSequence() noexcept {
+  std::uint64_t next = 0;
+  // Twice only when the counter wraps, after 2^64 identifiers.
+  do next = lastSequence.fetch_add(1, std::memory_order_relaxed) + 1;
+  while (next == 0);
+  return static_cast<std::int64_t>(next);
+}
+
+std::int64_t currentProcessId() noexcept {
+  auto id = cachedProcessId.load(std::memory_order_relaxed);
+  if (id == 0) {
+    id = ::getpid();
+    cachedProcessId.store(id, std::memory_order_relaxed);
+  }
+  return id;
+}
+
+}  // namespace
+
+IDType::IDType() noexcept : sequence(nextSequence()), processId(currentProcessId()) {}
+
+}  // namespace foundation::corvane::common::session

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "foundation/corvane/common/session/FeatureHandling.hpp"
+#include "foundation/corvane/common/session/FeatureStatus.hpp"
+
+// Not installed: the names that the documents use for enumerators.
+namespace foundation::corvane::common::session::detail {
+
+/// The enumerator's name; "undefined" for a value without one.
+const char* nameOf(FeatureHandling handling) noexcept;
+const char* nameOf(FeatureStatus status) noexcept;
+
+/// The enumerator for which `isNamed(name)` holds; `undefined` if there is none, for "undefined" is never
+/// asked.
+template <class IsNamed>
+FeatureHandling findHandling(const IsNamed& isNamed) {
+  using enum FeatureHandling;
+  for (const auto handling : {required, optional, preferred}) {
+    if (isNamed(nameOf(handling))) return handling;
+  }
+  return undefined;
+}
+
+template <class IsNamed>
+FeatureStatus findStatus(const IsNamed& isNamed) {
+  using enum FeatureStatus;
+  for (const auto status : {success, unsupported_error, unsupported_warning, invalid_value_error,
+                            invalid_value_warning, invalid_handling}) {
+    if (isNamed(nameOf(status))) return status;
+  }
+  return undefined;
+}
+
+}  // namespace foundation::corvane::common::session::detail
