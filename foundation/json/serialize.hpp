@@ -12,9 +12,9 @@ class Value;
 
 /// The value as a JSON text without white space; members come in the byte order of their names. Numbers have
 /// the fewest digits that `parse` reads as the same number, whole doubles below 2^53 neither point nor
-/// exponent (2.0 is `2`); infinities and NaN are `null`. Strings are written by `appendQuoted`. Include
-/// "foundation/json/Value.hpp" to call it. Needs no stack by depth, but `parse` reads no deeper than
-/// `Reader::maxDepth`.
+/// exponent (2.0 is `2`, -0.0 is `-0`); `parse` may read a whole double back as an integer of that value.
+/// Infinities and NaN are `null`. Strings are written by `appendQuoted`. Needs no stack by depth, but `parse`
+/// reads no deeper than `Reader::maxDepth`. Include "foundation/json/Value.hpp" to call it.
 /// @throws std::bad_alloc
 FOUNDATION_EXPORT std::string serialize(const Value& value);
 
