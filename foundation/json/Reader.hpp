@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -111,8 +112,8 @@ class FOUNDATION_EXPORT Reader {
   const char* start_;  // of the token
   std::string_view raw_;
   std::size_t depth_ = 0;
-  std::uint64_t objects_[maxDepth / 64] =
-      {};  // one bit a level below depth_: whether its container is an object
+  std::array<std::uint64_t, maxDepth / 64>
+      objects_{};  // one bit a level below depth_: whether its container is an object
   Token token_ = Token::Error;
   Expected expected_ = Expected::Value;
   bool escaped_ = false;   // whether the string in raw_ has escapes

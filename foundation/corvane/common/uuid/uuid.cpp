@@ -13,6 +13,7 @@
 #include <optional>
 #include <random>
 #include <stdexcept>
+#include <string_view>
 
 namespace foundation::corvane::common::uuid {
 
@@ -54,7 +55,7 @@ void startOverInChild() noexcept {
 
 [[maybe_unused]] const int forkHandler = pthread_atfork(nullptr, nullptr, startOverInChild);
 
-constexpr char hexDigits[] = "0123456789abcdef";
+constexpr std::string_view hexDigits = "0123456789abcdef";
 
 }  // namespace
 
