@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "foundation/corvane/common/logging/FastLogger.hpp"
+
+#include <mutex>
+#include <thread>
+
+#include "foundation/corvane/common/logging/logLayout.hpp"
+
+namespace foundation::corvane::common::logging {
+
+std::shared_ptr<FastLogger> FastLogger::globalLogger_;
+
+FastLogger::FastLogger() : current_(new FastLog) {}
+
+FastLogger::~FastLogger() {
+  const FastLogger* self = this;
+  processLogger.compare_exchange_strong(self, nullptr);
+  delete current_.exchange(nullptr);
+}
+
+std::shared_ptr<FastLogger> FastLogger::instance() {
+  static std::once_flag once;
+  std::call_once(once, [] {
+    globalLogger_ = std::make_shared<FastLogger>();
+    processLogger.store(globalLogger_.get());
+  });
+  return globalLogger_;
+}
+
+void FastLogger::log(const char* text1, const char* text2, const char* text3, const char* text4) noexcept {
+  auto* const log = current_.load(std::memory_order_acquire);
+  if (log != nullptr) LogLayout::record(*log, text1, text2, text3, text4);
+}
+
+const char* FastLogger::save(const std::string& s) {
+  auto* const log = current_.load(std::memory_order_acquire);
+  return log == nullptr ? s.c_str() : log->save(s);
+}
+
+std::shared_ptr<FastLog> FastLogger::snapshot() {
+  // All memory first; once the logs have changed places nothing can fail. The control block holds the log
+  // that it will delete in the end: at first the fresh one, then the one that was taken.
+  const auto owner = std::make_shared<std::unique_ptr<FastLog>>(std::make_unique<FastLog>());
+  auto* const taken = current_.exchange(owner->get());
+  static_cast<void>(owner->release());
+  owner->reset(taken);
+  std::this_thread::yield();
+  std::this_thread::yield();
+  return {owner, taken};
+}
+
+}  // namespace foundation::corvane::common::logging

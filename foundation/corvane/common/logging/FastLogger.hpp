@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <memory>
+#include <string>
+
+#include "foundation/core/export.hpp"
+#include "foundation/corvane/common/logging/FastLog.hpp"
+
+namespace foundation::corvane::common::logging {
+
+/// Owns the log that events are recorded into, and replaces it by a fresh one whenever somebody takes a
+/// snapshot.
+///
+///     const auto logger = FastLogger::instance();  // once: hold it, for each call counts a reference
+///     logger->log("send", "ExchangeDomain", nullptr, logger->save(name));
+///     ...
+///     std::cout << *logger->snapshot();
+///
+/// Threads: any thread may call anything at any time, without a lock, but for the destructor.
+class FOUNDATION_EXPORT FastLogger {
+ public:
+  /// A logger with an empty log.
+  /// @throws std::bad_alloc when memory runs out.
+  FastLogger();
+  FastLogger(const FastLogger&) = delete;
+  FastLogger& operator=(const FastLogger&) = delete;
+
+  /// Destroys the current log; no other thread may use the logger any more.
+  ~FastLogger();
+
+  /// The logger of this process, made at the first call. The process lets go of it with its statics, at exit;
+  /// who holds a copy keeps it alive.
+  /// @throws std::bad_alloc when memory runs out; the next call tries again.
+  static std::shared_ptr<FastLogger> instance();
+
+  /// `FastLog::log` into the current log. Never allocates or waits.
+  void log(const char* text1, const char* text2, const char* text3, const char* text4) noexcept;
+
+  /// `FastLog::save` in the current log, and so good for records of that log only: after a snapshot the text
+  /// lives as long as the snapshot, and has to be saved anew for the next log.
+  /// @throws std::bad_alloc when memory runs out.
+  const char* save(const std::string& s);
+
+  /// Takes the current log, with all that was recorded since the last snapshot, and puts an empty one in its
+  /// place.
+  ///
+  /// A thread that is inside `log` or `save` at this moment may still write to the log that was taken: two
+  /// yields give it time, and are no promise. Its event may show up in either log, or half in one. Hold the
+  /// snapshot until every thread that may have been inside has left, and as long as texts saved in it are in
+  /// use.
+  /// @throws std::bad_alloc when memory runs out; nothing has been taken.
+  std::shared_ptr<FastLog> snapshot();
+
+ private:
+  friend struct LogLayout;
+
+  static std::shared_ptr<FastLogger> globalLogger_;
+
+  // No code outside the library knows what follows: its size and alignment alone are fixed.
+  static constexpr std::size_t cacheLine = 64;
+
+  alignas(cacheLine) std::atomic<FastLog*> current_;  // owned
+};
+
+}  // namespace foundation::corvane::common::logging

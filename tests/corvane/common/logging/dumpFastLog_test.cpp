@@ -1,0 +1,260 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "foundation/corvane/common/logging/dumpFastLog.hpp"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "foundation/corvane/common/logging/FastLogger.hpp"
+
+namespace foundation::corvane::common::logging {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+/// Runs `action` with a descriptor of a file in memory, and returns what was written to it.
+template <class Action>
+std::string written(const Action& action) {
+  const int fd = ::memfd_create("dump", MFD_CLOEXEC);
+  action(fd);
+  std::string text(static_cast<std::size_t>(::lseek(fd, 0, SEEK_END)), '\0');
+  EXPECT_EQ(::pread(fd, text.data(), text.size(), 0), static_cast<ssize_t>(text.size()));
+  ::close(fd);
+  return text;
+}
+
+std::string dump() {
+  return written([](int fd) { dumpFastLog(fd); });
+}
+
+std::string printed(const FastLog& log) {
+  std::ostringstream os;
+  os.imbue(std::locale::classic());
+  os << log;
+  return os.str();
+}
+
+/// Empties the log of the process, whose events of other tests would be in the way.
+std::shared_ptr<FastLogger> emptyLogger() {
+  auto logger = FastLogger::instance();
+  logger->snapshot();
+  return logger;
+}
+
+/// A page that is there no more.
+const char* goneText() {
+  auto* const page =
+      static_cast<char*>(::mmap(nullptr, 4096, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+  std::strcpy(page, "gone");
+  ::munmap(page, 4096);
+  return page;
+}
+
+template <class Check>
+void inFreshProcess(const Check& check) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(std::exit(check() ? 0 : 1), testing::ExitedWithCode(0), "");
+}
+
+TEST(DumpFastLog, WritesNothingBeforeThereIsALogger) {
+  inFreshProcess([] { return dump().empty(); });
+}
+
+TEST(DumpFastLog, EqualsPrintUntilTheRingIsFull) {
+  const auto logger = emptyLogger();
+  EXPECT_EQ(dump(), "Log size = 0\n");
+  logger->log("send", "ExchangeDomain", nullptr, "42");
+  logger->log("a text beyond fifteen", "a text beyond twenty-five characters", "",
+              "beyond twenty characters");
+  for (int i = 2; i < 1024; ++i) logger->log(logger->save(std::to_string(i)), "event", "third", nullptr);
+
+  const auto dumped = dump();
+
+  EXPECT_EQ(dumped, printed(*logger->snapshot()));
+  EXPECT_THAT(
+      dumped,
+      StartsWith("Log size = 1024\n   0  (0): send            ExchangeDomain            <null>     "));
+}
+
+TEST(DumpFastLog, LeavesTheLogAsItIs) {
+  const auto logger = emptyLogger();
+  logger->log("a", "b", nullptr, nullptr);
+  EXPECT_EQ(dump(), dump());
+  EXPECT_THAT(printed(*logger->snapshot()), StartsWith("Log size = 1\n"));
+}
+
+TEST(DumpFastLog, WritesTheOldestEventFirstWhenTheRingIsFull) {
+  const auto logger = emptyLogger();
+  for (int i = 0; i < 3000; ++i) logger->log(logger->save(std::to_string(i)), "event", nullptr, nullptr);
+
+  std::istringstream lines(dump());
+  std::string line;
+  std::getline(lines, line);
+  EXPECT_EQ(line, "Log size = 1024");
+  for (int i = 1976; i < 3000; ++i) {
+    std::getline(lines, line);
+    EXPECT_THAT(line, HasSubstr("  (" + std::to_string(i % 1024) + "): " + std::to_string(i) + " ")) << i;
+    EXPECT_EQ(std::stoi(line), i - 1976);
+  }
+  EXPECT_FALSE(std::getline(lines, line));
+}
+
+TEST(DumpFastLog, SaysWhereATextIsGone) {
+  const auto logger = emptyLogger();
+  logger->log("first", goneText(), nullptr, "fourth");
+  logger->log(reinterpret_cast<const char*>(1), "second", "third",
+              reinterpret_cast<const char*>(~std::uintptr_t{0}));
+  EXPECT_EQ(dump(),
+            "Log size = 2\n"
+            "   0  (0): first           <unreadable>              <null>     fourth               \n"
+            "   1  (1): <unreadable>    second                    third      <unreadable>         \n");
+  logger->snapshot();
+}
+
+TEST(DumpFastLog, ReadsLongTextsAcrossPagesAndUpToTheLastByteOfMemory) {
+  const auto logger = emptyLogger();
+  const std::string longText(100000, 'x');
+  constexpr std::size_t page = 4096;
+  auto* const pages = static_cast<char*>(
+      ::mmap(nullptr, 2 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+  ::mprotect(pages + page, page, PROT_NONE);
+  std::memset(pages, 'y', page);
+  pages[page - 1] = '\0';
+  logger->log(longText.c_str(), pages + page - 6, nullptr, nullptr);
+  EXPECT_THAT(dump(), HasSubstr(": " + longText + " yyyyy                     <null>"));
+
+  pages[page - 1] = 'y';
+  EXPECT_THAT(dump(), HasSubstr(": " + longText + " <unreadable>              <null>"));
+  logger->snapshot();
+  ::munmap(pages, 2 * page);
+}
+
+TEST(DumpFastLog, LeavesErrnoAlone) {
+  const auto logger = emptyLogger();
+  logger->log("a", goneText(), nullptr, nullptr);
+  errno = 42;
+  dump();
+  dumpFastLog(-1);
+  EXPECT_EQ(errno, 42);
+  logger->snapshot();
+}
+
+TEST(DumpFastLog, GivesUpOnADescriptorThatTakesNothing) {
+  const auto logger = emptyLogger();
+  for (int i = 0; i < 2000; ++i) logger->log("a", "b", nullptr, nullptr);
+  const int full = ::open("/dev/full", O_WRONLY | O_CLOEXEC);
+  dumpFastLog(full);
+  ::close(full);
+}
+
+int crashOutput = -1;
+
+void onCrash(int) {
+  dumpFastLog(crashOutput);
+  ::_exit(77);
+}
+
+/// Runs `crash` in a child that dumps its log when it is sent `signal`, and returns what it dumped.
+template <class Crash>
+std::string dumpOfCrash(int signal, const Crash& crash) {
+  return written([&](int fd) {
+    const auto child = ::fork();
+    if (child == 0) {
+      static std::array<char, 16384> stack;  // small, and not the one that overflowed
+      stack_t alternate{};
+      alternate.ss_sp = stack.data();
+      alternate.ss_size = stack.size();
+      ::sigaltstack(&alternate, nullptr);
+      struct sigaction action {};
+      action.sa_handler = onCrash;
+      action.sa_flags = SA_ONSTACK;
+      ::sigaction(signal, &action, nullptr);
+      crashOutput = fd;
+      crash();
+      ::_exit(1);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 77);
+  });
+}
+
+TEST(DumpFastLog, WorksInTheHandlerOfACrashOnAnotherStack) {
+  const auto logger = emptyLogger();
+  logger->log("last", "words", nullptr, nullptr);
+  EXPECT_THAT(dumpOfCrash(SIGSEGV, [] { ::raise(SIGSEGV); }), HasSubstr("(0): last            words "));
+}
+
+TEST(DumpFastLog, WorksInAHandlerThatInterruptsMemoryAllocation) {
+  const auto logger = emptyLogger();
+  logger->log("last", "words", nullptr, nullptr);
+  const auto text = dumpOfCrash(SIGALRM, [] {
+    ::ualarm(2000, 0);
+    for (std::size_t size = 1;; size = size % 5000 + 1) {
+      auto* const memory = std::malloc(size);
+      asm volatile("" : : "r"(memory) : "memory");
+      std::free(memory);
+    }
+  });
+  EXPECT_THAT(text, HasSubstr("(0): last            words "));
+}
+
+TEST(DumpFastLog, WorksWhileOtherThreadsLogAtFullSpeed) {
+  const auto logger = emptyLogger();
+  std::atomic<bool> stop = false;
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 8; ++i) {
+    threads.emplace_back([&] {
+      while (!stop) logger->log("send", "ExchangeDomain", nullptr, "42");
+    });
+  }
+  for (int i = 0; i < 20; ++i) {
+    const auto text = dump();
+    EXPECT_THAT(text, StartsWith("Log size = "));
+    EXPECT_THAT(text, Not(HasSubstr("<unreadable>")));
+  }
+  stop = true;
+  for (auto& thread : threads) thread.join();
+}
+
+bool dumpAtTheVeryEnd = false;
+
+void atTheVeryEnd(int, void*) {
+  if (dumpAtTheVeryEnd) ::_exit(dump().empty() ? 0 : 1);
+}
+
+// Registered before any library is initialised, and so run after all of them have destroyed their statics.
+[[gnu::section(".preinit_array"), gnu::used]] void (*const registerFirst)() = [] {
+  ::on_exit(atTheVeryEnd, nullptr);
+};
+
+TEST(DumpFastLog, WritesNothingOnceTheProcessHasLetGoOfItsLogger) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(
+      {
+        FastLogger::instance()->log("a", "b", nullptr, nullptr);
+        dumpAtTheVeryEnd = !dump().empty();
+        std::exit(2);
+      },
+      testing::ExitedWithCode(0), "");
+}
+
+}  // namespace
+}  // namespace foundation::corvane::common::logging
