@@ -10,7 +10,7 @@ missing_packages=()
 need() {
   local package=$1 why=$2
   shift 2
-  if ! "$@" >/dev/null 2>&1; then
+  if [[ " ${missing_packages[*]:-} " != *" $package "* ]] && ! "$@" >/dev/null 2>&1; then
     missing_packages+=("$package")
     printf '  %-34s %s\n' "$package" "$why"
   fi
@@ -90,7 +90,7 @@ ensure_packages() {
     fi
     sudo=(sudo)
   fi
-  echo "Installing them with: ${sudo[*]} apt-get install"
+  echo "Installing them with: ${sudo[*]:+${sudo[*]} }apt-get install"
   "${sudo[@]}" apt-get update -qq
   "${sudo[@]}" env DEBIAN_FRONTEND=noninteractive \
     apt-get install -y -qq --no-install-recommends "${missing_packages[@]}" >/dev/null
