@@ -232,7 +232,7 @@ inline Token Reader::readString(Token token, const char* at, Expected expected) 
   const char* const content = at;
   bool escaped = false;
   for (;;) {
-    at = detail::plainRunEnd(at, end_);
+    at = impl::plainRunEnd(at, end_);
     if (at == end_) return fault(at);
     if (*at == '"') break;
     if (*at != '\\') return fault(at);

@@ -32,7 +32,7 @@ class FOUNDATION_EXPORT conversion_error : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-namespace detail {
+namespace impl {
 
 template <class T, class... Types>
 concept OneOf = (std::same_as<T, Types> || ...);
@@ -50,7 +50,7 @@ concept Held =
 template <class T>
 concept Target = OneOf<T, double, std::string, Array, Object>;
 
-}  // namespace detail
+}  // namespace impl
 
 /// A JSON value: null, a `bool`, a number (`double`, `std::int64_t` or `std::uint64_t`), a `std::string` of
 /// any bytes, an `Array` or an `Object`. Made implicitly from each of them, from string literals and from
@@ -72,7 +72,7 @@ class FOUNDATION_EXPORT Value {
   Value(double value) noexcept : data_(std::in_place_type<double>, value) {}
   /// Any integer type up to 64 bits: signed ones are held as `std::int64_t`, unsigned ones as
   /// `std::uint64_t`.
-  template <detail::Integer T>
+  template <impl::Integer T>
   Value(T value) noexcept
       : data_(std::in_place_type<std::conditional_t<std::signed_integral<T>, std::int64_t, std::uint64_t>>,
               value) {}
@@ -95,18 +95,18 @@ class FOUNDATION_EXPORT Value {
   }
 
   /// Whether the value holds exactly a `T`: one of the eight types, `std::nullptr_t` for null.
-  template <detail::Held T>
+  template <impl::Held T>
   bool is() const noexcept {
     return std::holds_alternative<T>(data_);
   }
 
   /// The held `T`, or null if the value holds something else. Valid until the value is assigned to, moved
   /// from or destroyed.
-  template <detail::Held T>
+  template <impl::Held T>
   const T* find() const noexcept {
     return std::get_if<T>(&data_);
   }
-  template <detail::Held T>
+  template <impl::Held T>
   T* find() noexcept {
     return std::get_if<T>(&data_);
   }
@@ -115,7 +115,7 @@ class FOUNDATION_EXPORT Value {
   /// `double`, to the nearest one where it has more digits; nothing else crosses kinds.
   /// @throws conversion_error the value holds another kind.
   /// @throws std::bad_alloc
-  template <detail::Target T>
+  template <impl::Target T>
   T to() const;
 
   /// By kind and content: the numbers 1 and 1.0 differ, as do 1 and 1u; a NaN differs from itself.
@@ -126,7 +126,8 @@ class FOUNDATION_EXPORT Value {
   bool isContainer() const noexcept { return is<Array>() || is<Object>(); }
   void dismantle() noexcept;  // leaves an empty container
 
-  // Never valueless: all that changes it are moves, which do not throw.
+  // deliberate: the standard promises only std::vector of a type that is not complete yet; the standard
+  // libraries give the same for std::map. Never valueless: all that changes it are moves, which do not throw.
   std::variant<std::nullptr_t, bool, double, std::int64_t, std::uint64_t, std::string, Array, Object> data_;
 };
 

@@ -6,7 +6,7 @@
 #include <cstring>
 
 // Private to the library: what the reader and the writer of strings share.
-namespace foundation::json::detail {
+namespace foundation::json::impl {
 
 // Whether a byte stands for itself between quotes.
 constexpr bool isPlain(char c) noexcept {
@@ -33,4 +33,4 @@ inline const char* plainRunEnd(const char* at, const char* end) noexcept {
   return at;
 }
 
-}  // namespace foundation::json::detail
+}  // namespace foundation::json::impl

@@ -132,7 +132,7 @@ void appendQuoted(std::string& out, std::string_view bytes) {
   out += '"';
   for (;;) {
     const char* const run = at;
-    at = detail::plainRunEnd(at, end);
+    at = impl::plainRunEnd(at, end);
     out.append(run, at);
     if (at == end) break;
     appendEscape(out, *at++);

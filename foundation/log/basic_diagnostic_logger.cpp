@@ -18,14 +18,14 @@ using boost::log::attributes::make_attribute_value;
 struct basic_diagnostic_logger::state {
   explicit state(const std::string& name) : channel(make_attribute_value(name)) {}
 
-  const detail::logging_core& logging = detail::logging_core::instance();
+  const impl::logging_core& logging = impl::logging_core::instance();
   const boost::log::attribute_value channel;
   indent_attribute indent;
-  detail::fork_lock opening;
+  impl::fork_lock opening;
 };
 
 basic_diagnostic_logger::basic_diagnostic_logger(const std::string& channel)
-    : mask_(detail::severities_of(channel)), state_(std::make_unique<state>(channel)) {}
+    : mask_(impl::severities_of(channel)), state_(std::make_unique<state>(channel)) {}
 
 basic_diagnostic_logger::~basic_diagnostic_logger() = default;
 

@@ -7,7 +7,7 @@
 
 #include "foundation/log/file_logger.hpp"
 
-namespace foundation::log::detail {
+namespace foundation::log::impl {
 
 /// The mask of `channel`, which is kept to the end of the process. @throws std::bad_alloc
 const std::atomic<std::uint32_t>& severities_of(std::string_view channel);
@@ -16,4 +16,4 @@ const std::atomic<std::uint32_t>& severities_of(std::string_view channel);
 /// was done before.
 void attach(attached_mask& mask) noexcept;
 
-}  // namespace foundation::log::detail
+}  // namespace foundation::log::impl

@@ -27,7 +27,7 @@ struct Channel {
 struct Table {
   std::mutex mutex;
   Channel* channels = nullptr;
-  detail::attached_mask* attached = nullptr;
+  impl::attached_mask* attached = nullptr;
   std::uint32_t mask_of_others = 0;
 
   Channel* find(std::string_view name) const noexcept {
@@ -59,7 +59,7 @@ constinit Table table;
 }  // namespace
 
 void set_enabled_severities(std::string_view channel, std::uint32_t mask) {
-  if (mask != 0) detail::logging_core::instance();
+  if (mask != 0) impl::logging_core::instance();
   const std::lock_guard lock(table.mutex);
   table.obtain(channel).mask.store(mask, relaxed);
   for (auto* other = table.attached; other != nullptr; other = other->next) {
@@ -68,7 +68,7 @@ void set_enabled_severities(std::string_view channel, std::uint32_t mask) {
 }
 
 void set_enabled_severities(std::uint32_t mask) {
-  if (mask != 0) detail::logging_core::instance();
+  if (mask != 0) impl::logging_core::instance();
   const std::lock_guard lock(table.mutex);
   table.mask_of_others = mask;
   for (auto* channel = table.channels; channel != nullptr; channel = channel->next) {
@@ -84,12 +84,12 @@ std::uint32_t enabled_severities(std::string_view channel) {
   return table.mask_in_force(channel);
 }
 
-const std::atomic<std::uint32_t>& detail::severities_of(std::string_view channel) {
+const std::atomic<std::uint32_t>& impl::severities_of(std::string_view channel) {
   const std::lock_guard lock(table.mutex);
   return table.obtain(channel).mask;
 }
 
-void detail::attach(attached_mask& mask) noexcept {
+void impl::attach(attached_mask& mask) noexcept {
   const std::lock_guard lock(table.mutex);
   if (mask.attached.load(relaxed)) return;
   mask.next = table.attached;

@@ -23,7 +23,7 @@ basic_diagnostic_logger& file_logger::logger() {
 }
 
 bool file_logger::enabled_when_attached(std::uint32_t severity) noexcept {
-  if (!mask_.attached.load(std::memory_order_acquire)) detail::attach(mask_);
+  if (!mask_.attached.load(std::memory_order_acquire)) impl::attach(mask_);
   return (mask_.value.load(std::memory_order_relaxed) & severity) != 0;
 }
 

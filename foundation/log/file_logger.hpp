@@ -10,7 +10,7 @@ namespace foundation::log {
 
 class basic_diagnostic_logger;
 
-namespace detail {
+namespace impl {
 
 /// A copy of a channel's mask that lives outside the table of the masks, which points back to it.
 struct attached_mask {
@@ -21,7 +21,7 @@ struct attached_mask {
   attached_mask* next{nullptr};  // guarded by the table's lock
 };
 
-}  // namespace detail
+}  // namespace impl
 
 /// The logger of a source file: a `basic_diagnostic_logger` that is made when first needed and never
 /// destroyed.
@@ -72,7 +72,7 @@ class FOUNDATION_EXPORT file_logger {
  private:
   bool enabled_when_attached(std::uint32_t severity) noexcept;
 
-  detail::attached_mask mask_;
+  impl::attached_mask mask_;
   std::atomic<basic_diagnostic_logger*> logger_{nullptr};
 };
 

@@ -3,7 +3,7 @@
 
 #include <pthread.h>
 
-namespace foundation::log::detail {
+namespace foundation::log::impl {
 namespace {
 
 // Counts the forks that led to this process. Relaxed: it changes only while a child has a single thread.
@@ -30,4 +30,4 @@ void fork_lock::unlock() noexcept {
   holder_.notify_one();
 }
 
-}  // namespace foundation::log::detail
+}  // namespace foundation::log::impl

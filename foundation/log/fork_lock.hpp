@@ -4,7 +4,7 @@
 #include <atomic>
 #include <cstdint>
 
-namespace foundation::log::detail {
+namespace foundation::log::impl {
 
 /// A mutex that a forked child finds free if a thread of the parent held it: that thread does not exist in
 /// the child. For sections that run other people's code, which a fork must not wait for. Not recursive.
@@ -18,4 +18,4 @@ class fork_lock {
   std::atomic<std::uint32_t> holder_{0};
 };
 
-}  // namespace foundation::log::detail
+}  // namespace foundation::log::impl

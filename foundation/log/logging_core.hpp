@@ -4,7 +4,7 @@
 #include <boost/log/attributes/attribute_name.hpp>
 #include <boost/log/core/core.hpp>
 
-namespace foundation::log::detail {
+namespace foundation::log::impl {
 
 /// What the loggers need of Boost.Log, fetched once and never destroyed. Boost.Log keeps its core and its
 /// attribute names in statics of its own, which may be gone when an exit handler logs: later than here nobody
@@ -20,4 +20,4 @@ struct logging_core {
   const boost::log::attribute_name message{"Message"};
 };
 
-}  // namespace foundation::log::detail
+}  // namespace foundation::log::impl

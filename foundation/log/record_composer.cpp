@@ -45,7 +45,7 @@ std::ostream& record_composer::text() noexcept {
 void record_composer::push() {
   const std::unique_ptr<composition> last(std::exchange(composition_, nullptr));
   last->record.attribute_values().insert(
-      detail::logging_core::instance().message,
+      impl::logging_core::instance().message,
       boost::log::attributes::make_attribute_value(std::move(last->text).str()));
   last->logger.push_record(std::move(last->record));
 }

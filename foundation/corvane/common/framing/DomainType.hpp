@@ -9,13 +9,13 @@
 
 namespace foundation::corvane::common::framing {
 
-/// The domain of a frame: one byte on the wire. A byte without a name counts as `UndefinedDomain`.
+/// The domain of a frame: one byte. A byte without a name counts as `UndefinedDomain`.
 enum class DomainType : std::uint8_t {
   UndefinedDomain = 0,  ///< Never set, or read from a name that is not known.
-  ControlDomain = 1,    ///< Frames about the connection itself.
-  ExchangeDomain = 2,   ///< Frames that carry messages.
-  ConnectorDomain = 3,  ///< Frames that bring up connections.
-  StreamDomain = 4,     ///< Frames of a numbered stream; see `allocStreamID`.
+  ControlDomain = 1,    ///< Control of the connection.
+  ExchangeDomain = 2,   ///< Exchange of messages.
+  ConnectorDomain = 3,  ///< Connectors.
+  StreamDomain = 4,     ///< Streams; see `allocStreamID`.
 };
 
 /// The enumerator's name. Static storage; any thread, any time, during exit too.

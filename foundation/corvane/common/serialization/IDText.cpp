@@ -3,6 +3,7 @@
 
 #include <array>
 #include <charconv>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <system_error>

@@ -59,17 +59,15 @@ void ProtocolRegistry::registerProtocolInitializer(const std::string& protocolNa
   FOUNDATION_LOG_FUNCTION(logger, sourcePath);
   FOUNDATION_LOG(logger, 2) << " protocolName=" << protocolName << " softwareName()=" << softwareName()
                             << " softwareVersion()=" << softwareVersion();
-  // Outlives the lock: a refused copy of the initializer is destroyed when the mutex is free, and may call
-  // back.
-  Protocols::node_type entry;
+  // Outlives the lock: whatever fails below, the copy of the initializer is destroyed when the mutex is free,
+  // and may call back.
+  ProtocolEntry entry;
   const std::lock_guard lock(mutex_);
-  Protocols single;
-  single.try_emplace(protocolName, ProtocolEntry{initializer, features});
-  entry = single.extract(single.begin());
-  if (auto insertion = protocols_.insert(std::move(entry)); !insertion.inserted) {
-    entry = std::move(insertion.node);
-    throw std::logic_error("Message protocol registered more than once");
-  }
+  entry.initializer = initializer;
+  entry.features = features;
+  const auto [place, isNew] = protocols_.try_emplace(protocolName);
+  if (!isNew) throw std::logic_error("Message protocol registered more than once");
+  std::swap(place->second, entry);
 }
 
 void ProtocolRegistry::releaseProtocolInitializer(const std::string& protocolName) noexcept {

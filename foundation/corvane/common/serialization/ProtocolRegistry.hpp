@@ -24,12 +24,16 @@ namespace foundation::corvane::common::serialization {
 ///
 /// Protocol names are byte strings, compared exactly; the empty one is as good as any other.
 ///
-/// Lifetime: held by `std::shared_ptr`; what it hands out are copies.
-/// Threads: any thread may call anything. One mutex guards everything; it is held for short sections, and
-/// never while an initializer runs or is destroyed, so that initializers may call back. Errors: beside those
-/// named below, std::bad_alloc (nothing has changed then) and, from a mutex that cannot be locked,
-/// std::system_error.
-/// Trace: the diagnostic channel "foundation::corvane::common::session::ProtocolRegistry".
+/// Lifetime: held by `std::shared_ptr`; what it hands out are copies. An initializer that holds the pointer
+/// keeps the registry alive for ever: let it hold a `std::weak_ptr`. Initializers are destroyed with the
+/// registry, and must not use it then. Threads: any thread may call anything. One mutex guards everything; it
+/// is held for short sections, and never while an initializer runs or is destroyed, so that initializers may
+/// call back. Copies of initializers are made under it, though, and so is the diagnostic record that a name
+/// does not exist: neither a copy constructor nor a sink may use the same registry. In the child of a `fork`
+/// the mutex may be locked for ever, if another thread of the parent held it. Errors: beside those named
+/// below, std::bad_alloc (nothing has changed then, but for what an initializer did), std::system_error from
+/// a mutex that cannot be locked, and whatever a sink of the diagnostic log throws. Trace: the diagnostic
+/// channel "foundation::corvane::common::session::ProtocolRegistry".
 class FOUNDATION_EXPORT ProtocolRegistry {
  public:
   /// A registry without protocols, of the software so described.

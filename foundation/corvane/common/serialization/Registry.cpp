@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "foundation/corvane/common/serialization/Registry.hpp"
 
+#include <cstddef>
 #include <stdexcept>
 
 #include "foundation/corvane/common/serialization/ProtocolRegistry.hpp"

@@ -25,16 +25,18 @@ class SerializerBase;
 ///
 /// Lifetime: always held by `std::shared_ptr`. Owns its serializers; they refer back to it weakly.
 /// Threads: no lock inside. One thread fills it; once nobody changes it, all may read it.
-/// Errors: beside those named below, std::bad_alloc; the registry is as before then.
-/// Trace: the diagnostic channel "foundation::corvane::common::serialization::Registry".
+/// Errors: beside those named below, std::bad_alloc, and whatever a sink of the diagnostic log throws; the
+/// registry is as before then. Trace: the diagnostic channel
+/// "foundation::corvane::common::serialization::Registry".
 class FOUNDATION_EXPORT Registry : public std::enable_shared_from_this<Registry> {
  public:
   /// An open registry without serializers, for a connection of the software so named.
   static std::shared_ptr<Registry> create(std::string softwareName);
 
   /// An open registry, of the same software name as `src`, into which every protocol of `src` was installed
-  /// anew through `protocolRegistry`: same protocols, versions and configurations, in the same order, or an
-  /// error. Neither argument may be empty; `src` is not changed.
+  /// anew through `protocolRegistry`, in the same order: each comes out at the same version and with the same
+  /// configuration, or there is an error. What an initializer installs beside its own protocol is not
+  /// compared. Neither argument may be empty; `src` is not changed.
   /// @throws std::logic_error "Inconsistent serialization protocol version" if an initializer installs
   /// another version
   ///         than `src` records, or nothing.
@@ -52,7 +54,9 @@ class FOUNDATION_EXPORT Registry : public std::enable_shared_from_this<Registry>
   /// Ends the time of `insert`, for good. Everything else goes on working.
   void close() noexcept;
 
-  /// Adds `serializer` (never empty) under its tag and its handled type. Amortised constant.
+  /// Adds `serializer` (never empty) under its tag and its handled type. Amortised constant. A serializer
+  /// belongs to one registry: inserting it into a second one, even in vain, turns it to that one, and must
+  /// not happen while other threads use it.
   /// @throws std::logic_error "Updates to closed serializer registry not supported." after `close()`; nothing
   /// has
   ///         changed.
@@ -73,8 +77,8 @@ class FOUNDATION_EXPORT Registry : public std::enable_shared_from_this<Registry>
   /// The serializer that handles this type; empty if there is none.
   std::shared_ptr<const SerializerBase> serializer(const std::type_info& type) const;
 
-  /// Records a protocol as installed. Works on a closed registry too. Usually called by
-  /// `ProtocolRegistry::installProtocol` alone.
+  /// Records a protocol as installed at `version`, which must not be `session::undefinedVersion`. Works on a
+  /// closed registry too. Usually called by `ProtocolRegistry::installProtocol` alone.
   /// @throws std::logic_error "Message serialization protocol installed twice" if the name has a version;
   /// nothing has
   ///         changed.

@@ -24,7 +24,8 @@ class Registry;
 ///     };
 ///
 /// Lifetime: held by `std::shared_ptr<const SerializerBase>`, owned by its registry; refers back to that
-/// weakly. Threads: nothing changes after it was inserted, so all may use it then.
+/// weakly. Threads: once it was inserted nothing changes, unless somebody inserts it elsewhere; all may use
+/// it then.
 class FOUNDATION_EXPORT SerializerBase {
  public:
   virtual ~SerializerBase();
@@ -46,6 +47,8 @@ class FOUNDATION_EXPORT SerializerBase {
                  const std::pair<unsigned, unsigned>& wireVersion, const SerializationContext& context);
 
   /// A copy is a fresh serializer: same tag, type and wire version, but default settings and no registry.
+  /// Moving is copying; there is no assignment, for a registry knows a serializer by what it was when it was
+  /// inserted.
   SerializerBase(const SerializerBase& other);
 
   const SerializationContext& serializationContext() const noexcept { return context_; }

@@ -8,10 +8,11 @@
 namespace foundation::corvane::common::session {
 
 /// One feature of a protocol with one value: as a client asks for it, or as a protocol offers it. A protocol
-/// that offers several values of a feature offers several of these. A plain value.
+/// that offers several values of a feature offers several of these. A plain value, and an aggregate: make it
+/// with braces.
 struct FeatureRequest {
-  std::string name;   ///< Compared exactly, as bytes.
-  std::string value;  ///< Compared exactly, as bytes.
+  std::string name{};   ///< Compared exactly, as bytes.
+  std::string value{};  ///< Compared exactly, as bytes.
   FeatureHandling handling =
       FeatureHandling::undefined;  ///< How strongly it is asked for; means nothing in an offer.
 

@@ -27,8 +27,9 @@ struct FeatureResolution {
   /// @throws std::bad_alloc when memory runs out.
   FOUNDATION_EXPORT static std::string toJson(const FeatureResolution& resolution);
 
-  /// Reads one JSON object. The default record if the text is no JSON object and nothing else, if "name" or
-  /// "status" is no string, or if the status is no known one; a "message" that is no string counts as empty.
+  /// Reads one JSON object, white space around it and nesting of at most 128 levels allowed. The default
+  /// record if the text is no JSON object and nothing else, if "name" or "status" is no string, or if the
+  /// status is no known one; a "message" that is no string counts as empty.
   /// @throws std::bad_alloc when memory runs out; nothing else.
   FOUNDATION_EXPORT static FeatureResolution toFeatureResolution(const std::string& text);
 };

@@ -10,12 +10,13 @@
 
 namespace foundation::corvane::common::session {
 
-/// An identifier that is unique among the processes of one machine: a number of this process, and the
-/// process. A plain value. Its text form is `serialization::toJSON`, read back by `serialization::toID`.
+/// An identifier for use among the processes that run on one machine at the same time, and see the same
+/// process ids: a number drawn by a process, and the process. A plain value. Its text form is
+/// `serialization::toJSON`, read back by `serialization::toID`.
 struct IDType {
   /// Draws the next number of this process, 1 first; 0 is never drawn. A child made by `fork` goes on
-  /// counting, under its own process id. Any thread: one atomic addition, and no two values of a process are
-  /// equal.
+  /// counting, under its own process id. Any thread: one atomic addition, and no process draws the same value
+  /// twice.
   FOUNDATION_EXPORT IDType() noexcept;
 
   /// Takes both numbers as they are; draws nothing.

@@ -33,10 +33,12 @@ struct MessageProtocolConfig {
   /// @throws std::bad_alloc when memory runs out.
   FOUNDATION_EXPORT static std::string toJson(const MessageProtocolConfig& config);
 
-  /// Reads one JSON object. The default record if the text is no JSON object and nothing else, if "name" is
-  /// no string or empty, if "version" is no object, or if the major number is 65535. "features" that are no
-  /// array count as none; an element of it that is no object is left out, and one that is no whole request
-  /// becomes a request without name, value and handling. Linear in the text, bounded stack, for any bytes.
+  /// Reads one JSON object, white space around it and nesting of at most 128 levels allowed. The default
+  /// record if the text is no JSON object and nothing else, if "name" is no string or empty, if "version" is
+  /// no object, or if its major number, read as `detail::parseVersion` reads it, is 65535: so it is too where
+  /// either number is out of range. "features" that are no array count as none; an element of it that is no
+  /// object is left out, and one that is no whole request becomes a request without name, value and handling.
+  /// Linear in the text, bounded stack, for any bytes.
   /// @throws std::bad_alloc when memory runs out; nothing else.
   FOUNDATION_EXPORT static MessageProtocolConfig toMessageProtocolConfig(const std::string& text);
 };

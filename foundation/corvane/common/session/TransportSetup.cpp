@@ -2,6 +2,7 @@
 #include "foundation/corvane/common/session/TransportSetup.hpp"
 
 #include <algorithm>
+#include <cstddef>
 #include <iterator>
 #include <string_view>
 
@@ -63,6 +64,9 @@ std::vector<MessageProtocolResolution> toResolutions(const std::string& text) {
 
 std::pair<std::vector<FeatureResolution>, std::unordered_map<std::string, std::string>> resolveFeatures(
     const std::vector<FeatureRequest>& requested, const std::vector<FeatureRequest>& available) {
+  // A peer may ask for nothing, and often: spare the sorting.
+  if (requested.empty()) return {};
+
   // Sorted by name, then by value: equal offers stand together, and so do all the offers of a name.
   std::vector<std::pair<std::string_view, std::string_view>> offers;
   offers.reserve(available.size());

@@ -31,19 +31,25 @@ class Registry;
 namespace foundation::corvane::common::session {
 
 /// The document of a client's requests, {"protocolConfigs":[...]}: compact, members in the order of their
-/// names.
+/// names. A handling without a name is written "undefined".
 /// @throws std::bad_alloc when memory runs out.
 FOUNDATION_EXPORT std::string toJSON(const std::vector<MessageProtocolConfig>& configs);
 
-/// Reads what `toJSON` writes. The empty list if the text is not one JSON object (white space around it
+/// Reads what `toJSON` writes: an equal list, if every name is non-empty, every major number below 65535, and
+/// every handling has a name.
+///
+/// The empty list if the text is not one JSON object (white space around it
 /// allowed, nesting of at most 128 levels) or if its member "protocolConfigs" is no array. Elements that are
 /// no objects are left out; the others are read as `MessageProtocolConfig::toMessageProtocolConfig` does,
-/// default records included. Whatever the bytes: linear time, bounded stack.
+/// default records included.
+///
+/// Whatever the bytes: linear time, bounded stack. Memory is linear too, but an element of three bytes
+/// becomes a record of 64: bound the size of what a peer may send before reading it.
 /// @throws std::bad_alloc when memory runs out; nothing else.
 FOUNDATION_EXPORT std::vector<MessageProtocolConfig> toConfigs(const std::string& text);
 
 /// The document of a server's answers, {"protocolResolutions":[...]}: compact, members in the order of their
-/// names.
+/// names. A status without a name is written "undefined".
 /// @throws std::bad_alloc when memory runs out.
 FOUNDATION_EXPORT std::string toJSON(const std::vector<MessageProtocolResolution>& resolutions);
 
@@ -79,12 +85,18 @@ std::pair<std::vector<FeatureResolution>, std::unordered_map<std::string, std::s
 /// "foundation::corvane::common::session::TransportSetup" is its only trace. Failed features do not keep a
 /// protocol from being installed.
 ///
+/// A protocol that `registry` holds at the version asked for stays as it is, with the configuration that it
+/// has, whatever features the answer then calls a success; one that it holds at another version is an error.
+///
+/// Each configuration costs a copy of the protocol's offers, and a value offered k times k entries of the
+/// answer: whoever lets strangers ask bounds the number of requests.
+///
 /// @param protocolRegistry The protocols of this process; not empty.
 /// @param registry The connection's registry; not empty, and used by no other thread meanwhile.
 /// @return One answer for each protocol installed: its version as installed, which may differ from the one
-/// asked for.
-/// @throws Whatever `ProtocolRegistry::installProtocol` or an initializer throws; what was installed before
-/// stays.
+/// asked for, and its features as matched, whatever configuration its initializer reports back.
+/// @throws Whatever `ProtocolRegistry::installProtocol`, an initializer, or a sink of the diagnostic log
+/// throws; what was installed before stays.
 FOUNDATION_EXPORT std::vector<MessageProtocolResolution> resolveProtocolRequests(
     const std::shared_ptr<serialization::ProtocolRegistry>& protocolRegistry,
     const std::vector<MessageProtocolConfig>& configurations,
@@ -97,7 +109,10 @@ FOUNDATION_EXPORT std::vector<MessageProtocolResolution> resolveProtocolRequests
 /// It trusts the answer: no status stops it, a value is taken as received, a protocol that this process does
 /// not know is passed over, and what an initializer reports back is not compared with what the server has. A
 /// caller that minds looks at `resolutions` before, or at `registry` after. Answers with `undefinedVersion`
-/// are skipped.
+/// are skipped. A protocol that `registry` holds already is treated as in `resolveProtocolRequests`.
+///
+/// The names in an answer become keys of hash tables, and a hostile server can choose them to collide: bound
+/// the size of answers from servers that are not trusted.
 ///
 /// @param protocolRegistry The protocols of this process; not empty.
 /// @param registry The connection's registry; not empty, and used by no other thread meanwhile.

@@ -10,8 +10,8 @@
 
 namespace foundation::corvane::common::session {
 
-/// An identifier that is unique everywhere: a random uuid. A plain value. Its text form is
-/// `serialization::toJSON`, read back by `serialization::toUUID`.
+/// An identifier for use across machines: a random uuid, as unique as `uuid::generateRandom` makes it. A
+/// plain value. Its text form is `serialization::toJSON`, read back by `serialization::toUUID`.
 struct UUIDType {
   /// A fresh `uuid::generateRandom()`, never the nil uuid; throws what that throws.
   FOUNDATION_EXPORT UUIDType();

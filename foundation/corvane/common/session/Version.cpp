@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "foundation/corvane/common/session/Version.hpp"
 
+#include <cstdint>
+
 #include "foundation/corvane/common/session/versionFrom.hpp"
 #include "foundation/json/Value.hpp"
 
@@ -11,11 +13,9 @@ namespace {
 double memberNumber(const json::Object& object, const char* name) {
   const auto member = object.find(name);
   if (member == object.end()) return 0.0;
-  try {
-    return member->second.to<double>();
-  } catch (const json::conversion_error&) {
-    return 0.0;
-  }
+  const auto& value = member->second;
+  const bool number = value.is<double>() || value.is<std::int64_t>() || value.is<std::uint64_t>();
+  return number ? value.to<double>() : 0.0;
 }
 
 }  // namespace

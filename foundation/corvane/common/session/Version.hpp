@@ -21,8 +21,8 @@ namespace detail {
 
 /// Reads a version from the members "major" and "minor" of a JSON object. A member that is absent or no
 /// number counts as 0; 0.01 is added to each and the sum cut to a whole number, so that 1.9999999 is 2.
-/// `undefinedVersion` if either sum is at or below -1 or at or above 2^32, or not a number at all. Include
-/// "foundation/json.hpp" to call it.
+/// `undefinedVersion` if either sum is at or below -1 or at or above 2^32, or not a number at all. Throws
+/// nothing. Include "foundation/json.hpp" to call it.
 FOUNDATION_EXPORT std::pair<unsigned, unsigned> parseVersion(
     const std::map<std::string, json::Value>& object);
 

@@ -195,7 +195,8 @@ Record readRecord(std::string_view text) {
   Record record;
   const bool whole =
       reader.next() == Token::ObjectBegin && readObjectInto(reader, record) && reader.next() == Token::End;
-  return whole ? record : Record();
+  if (!whole) return {};
+  return record;
 }
 
 template std::vector<MessageProtocolConfig> readList(std::string_view);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <initializer_list>
+
 #include "foundation/corvane/common/session/FeatureHandling.hpp"
 #include "foundation/corvane/common/session/FeatureStatus.hpp"
 

@@ -44,7 +44,7 @@ class Generator {
 };
 
 // Constant initialisation: usable from any static initialiser, and no guard that a fork could leave half
-// taken.
+// taken. Its destructor has nothing to do, so it lasts as long as anybody can call.
 constinit Generator generator;
 
 // In the child of a fork another thread of the parent may hold the mutex for ever, or have stopped in the

@@ -16,8 +16,9 @@ FOUNDATION_EXPORT boost::uuids::uuid generateNil() noexcept;
 ///
 /// A process's uuids follow from one 32-bit seed, which the first call takes from `std::random_device`: a
 /// `std::mt19937_64` so seeded yields four 32-bit numbers a uuid, each stored least significant byte first. A
-/// child made by `fork` takes a seed of its own at its first call. They are unique for all practical
-/// purposes, and predictable: never use one as a secret.
+/// child made by `fork` takes a seed of its own at its first call. Two processes that happen to draw the same
+/// seed, which among 77,000 of them is as likely as not, draw the same uuids; and who knows one knows the
+/// next: never use one as a secret.
 ///
 /// Any thread; callers take turns at one process-wide mutex.
 /// @throws std::system_error when the mutex cannot be locked.

@@ -49,13 +49,15 @@ TEST(BaseMessage, EqualsWhatIsOfTheSameType) {
   EXPECT_FALSE(Plain() != Plain());
 }
 
-TEST(BaseMessage, DiffersFromWhatIsOfADerivedTypeInEitherOrder) {
+TEST(BaseMessage, DiffersFromWhatIsOfAnotherTypeInEitherOrder) {
   const BaseMessage base;
   const Plain derived;
   EXPECT_FALSE(base == derived);
   EXPECT_FALSE(derived == base);
   EXPECT_TRUE(base != derived);
   EXPECT_TRUE(derived != base);
+  EXPECT_FALSE(derived == Numbered(1));
+  EXPECT_FALSE(Numbered(1) == derived);
 }
 
 TEST(BaseMessage, EqualsItself) {

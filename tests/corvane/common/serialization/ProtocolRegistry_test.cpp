@@ -5,12 +5,14 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <functional>
 #include <latch>
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <thread>
 #include <type_traits>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -108,6 +110,14 @@ TEST(ProtocolRegistry, KeepsAnInitializerAndFeaturesInTheirOrder) {
   EXPECT_FALSE(protocols->exists("P"));
   EXPECT_EQ(protocols->getAvailableFeatures("p"), features);
   EXPECT_EQ(versionThatRuns(protocols->getProtocolInitializer("p")), Version(1, 2));
+}
+
+TEST(ProtocolRegistry, KeepsACopyOfTheFeatures) {
+  const auto protocols = ProtocolRegistry::create("server", "2.1");
+  Features features{{"a", "1"}};
+  protocols->registerProtocolInitializer("p", nullptr, features);
+  features.clear();
+  EXPECT_EQ(protocols->getAvailableFeatures("p").size(), 1U);
 }
 
 TEST(ProtocolRegistry, RefusesANameTwiceAndKeepsTheFirst) {
@@ -223,6 +233,7 @@ TEST(ProtocolRegistry, WritesAllItsRecordsInOrder) {
   protocols->getProtocolInitializer("p");
   protocols->getProtocolInitializer("q");
   protocols->releaseProtocolInitializer("p");
+  protocols->releaseProtocolInitializer("q");
 
   const auto records = capture.records();
   std::vector<std::string> texts;
@@ -241,18 +252,20 @@ TEST(ProtocolRegistry, WritesAllItsRecordsInOrder) {
                     (message.ends_with(" [throw]") ? " [throw]" : ""));
   }
   EXPECT_THAT(
-      texts, ElementsAre(
-                 "32 setSoftwareDescription", "2 softwareName()= softwareVersion()= name=server version=2.1",
-                 "64 setSoftwareDescription", "32 setSoftwareDescription",
-                 "2 softwareName()=server softwareVersion()=2.1 name=new version=3",
-                 "64 setSoftwareDescription", "32 registerProtocolInitializer",
-                 "2 protocolName=p softwareName()=new softwareVersion()=3", "64 registerProtocolInitializer",
-                 "32 registerProtocolInitializer", "2 protocolName=p softwareName()=new softwareVersion()=3",
-                 "64 registerProtocolInitializer [throw]", "32 getProtocolInitializer",
-                 "2 protocolName=p softwareName()=new softwareVersion()=3", "64 getProtocolInitializer",
-                 "32 getProtocolInitializer", "2 protocolName=q softwareName()=new softwareVersion()=3",
-                 "4q does not exist in map", "64 getProtocolInitializer", "32 releaseProtocolInitializer",
-                 "2 protocolName=p softwareName()=new softwareVersion()=3", "64 releaseProtocolInitializer"));
+      texts,
+      ElementsAre("32 setSoftwareDescription", "2 softwareName()= softwareVersion()= name=server version=2.1",
+                  "64 setSoftwareDescription", "32 setSoftwareDescription",
+                  "2 softwareName()=server softwareVersion()=2.1 name=new version=3",
+                  "64 setSoftwareDescription", "32 registerProtocolInitializer",
+                  "2 protocolName=p softwareName()=new softwareVersion()=3", "64 registerProtocolInitializer",
+                  "32 registerProtocolInitializer", "2 protocolName=p softwareName()=new softwareVersion()=3",
+                  "64 registerProtocolInitializer [throw]", "32 getProtocolInitializer",
+                  "2 protocolName=p softwareName()=new softwareVersion()=3", "64 getProtocolInitializer",
+                  "32 getProtocolInitializer", "2 protocolName=q softwareName()=new softwareVersion()=3",
+                  "4q does not exist in map", "64 getProtocolInitializer", "32 releaseProtocolInitializer",
+                  "2 protocolName=p softwareName()=new softwareVersion()=3", "64 releaseProtocolInitializer",
+                  "32 releaseProtocolInitializer", "2 protocolName=q softwareName()=new softwareVersion()=3",
+                  "64 releaseProtocolInitializer"));
 }
 
 TEST(ProtocolRegistry, IsAskedWithoutAWord) {
@@ -289,6 +302,12 @@ TEST(ProtocolRegistry, MayBeUsedByManyThreadsAtOnce) {
         EXPECT_EQ(protocols->getAvailableFeatures("p" + std::to_string(i)).size(), 1U);
         EXPECT_TRUE(protocols->exists("p" + std::to_string(i)));
         protocols->protocolNames();
+        const std::string mine = "of thread " + std::to_string(thread);
+        protocols->registerProtocolInitializer(mine, installing({1, 0}), {});
+        const auto connection = Registry::create("connection");
+        EXPECT_EQ(protocols->installProtocol(mine, {1, 0}, {}, connection).first, Version(1, 0));
+        EXPECT_TRUE(protocols->getProtocolInitializer(mine));
+        protocols->releaseProtocolInitializer(mine);
       }
     });
   }

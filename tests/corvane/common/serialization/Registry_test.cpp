@@ -4,12 +4,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <type_traits>
 #include <typeinfo>
 #include <unordered_map>
+#include <utility>
 
 #include "foundation/corvane/common/session/Version.hpp"
 #include "tests/corvane/common/serialization/serializers.hpp"
@@ -100,6 +102,21 @@ TEST(Registry, RefusesTheSameSerializerTwiceAndKeepsTheFirstRegistration) {
 
   EXPECT_EQ(registry->serializer("ping"), ping);
   EXPECT_EQ(registry->serializer(typeid(Ping)), ping);
+}
+
+TEST(Registry, RefusesATagAndATypeThatTwoOthersHave) {
+  const auto registry = Registry::create("client");
+  const auto ping = serializerOf<Ping>("ping");
+  const auto pong = serializerOf<Pong>("pong");
+  registry->insert(ping);
+  registry->insert(pong);
+
+  EXPECT_THROW(registry->insert(serializerOf<Pong>("ping")), std::logic_error);
+
+  EXPECT_EQ(registry->serializer("ping"), ping);
+  EXPECT_EQ(registry->serializer(typeid(Ping)), ping);
+  EXPECT_EQ(registry->serializer("pong"), pong);
+  EXPECT_EQ(registry->serializer(typeid(Pong)), pong);
 }
 
 TEST(Registry, TakesOtherSerializersAfterARefusal) {
@@ -262,8 +279,20 @@ TEST(Registry, TracesAFailureAsThrown) {
   EXPECT_EQ(messages[4], messages[2] + " [throw]");
 }
 
-TEST(Registry, LooksUpWithoutAWord) {
+TEST(Registry, LogsADuplicateBeforeItRefusesIt) {
   const auto registry = Registry::create("client");
+  registry->insert(serializerOf<Ping>("ping"));
+  log::RecordCapture capture;
+  const log::EnabledSeverities enabled(channel, 2 | 32 | 64);
+
+  EXPECT_THROW(registry->insert(serializerOf<Ping>("pong")), std::logic_error);
+
+  EXPECT_THAT(capture.messages(), ElementsAre(HasSubstr("Registry::insert("), HasSubstr(" tag=pong "),
+                                              testing::EndsWith(" [throw]")));
+}
+
+TEST(Registry, LooksUpAndDiesWithoutAWord) {
+  auto registry = Registry::create("client");
   log::RecordCapture capture;
   const log::EnabledSeverities enabled(channel, ~0U);
 
@@ -276,6 +305,7 @@ TEST(Registry, LooksUpWithoutAWord) {
   registry->protocols();
   registry->softwareName();
   registry->close();
+  registry.reset();
 
   EXPECT_THAT(capture.records(), IsEmpty());
 }

@@ -10,6 +10,7 @@ namespace foundation::corvane::common::serialization {
 namespace {
 
 static_assert(std::is_trivially_copyable_v<SerializationContext>);
+static_assert(std::is_move_assignable_v<SerializationContext>);
 
 TEST(SerializationContext, IsOffWithoutAMessageByDefault) {
   const SerializationContext context;

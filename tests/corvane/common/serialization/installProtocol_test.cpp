@@ -2,6 +2,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -270,7 +273,58 @@ TEST_F(InstallProtocol, TracesAFailureAsThrown) {
   EXPECT_THROW(protocols->installProtocol("p", {2, 0}, {}, registry), std::logic_error);
 
   EXPECT_THAT(capture.messages(),
-              ElementsAre(HasSubstr("ProtocolRegistry::installProtocol("), EndsWith(" [throw]")));
+              ElementsAre(HasSubstr("ProtocolRegistry::installProtocol("), EndsWith(" [throw]")))
+      << "the initializer is not even looked up";
+}
+
+TEST_F(InstallProtocol, TracesWhatAnInitializerOrTheRegistryThrows) {
+  protocols->registerProtocolInitializer(
+      "throws", [](const auto&, const auto&, const auto&) -> Result { throw std::runtime_error("no luck"); },
+      {});
+  protocols->registerProtocolInitializer(
+      "records itself",
+      [](const std::shared_ptr<Registry>& into, const Version& version, const Configuration&) {
+        into->setInstalledProtocol("records itself", version, {});
+        return Result(version, {});
+      },
+      {});
+  for (const char* name : {"throws", "records itself"}) {
+    log::RecordCapture capture;
+    const log::EnabledSeverities enabled(channel, 32 | 64);
+    EXPECT_ANY_THROW(protocols->installProtocol(name, {1, 0}, {}, registry));
+    EXPECT_THAT(capture.messages().back(), EndsWith(" [throw]")) << name;
+  }
+}
+
+TEST_F(InstallProtocol, TracesTheWholeInstallation) {
+  protocols->registerProtocolInitializer("p", accepting(), {});
+  log::RecordCapture capture;
+  const log::EnabledSeverities enabled(channel, 2 | 32 | 64);
+  const log::EnabledSeverities enabledThere(registryChannel, 2 | 32 | 64);
+
+  protocols->installProtocol("p", {1, 0}, {}, registry);
+
+  struct Expected {
+    std::uint32_t severity;
+    std::uint32_t indent;
+    const char* text;
+  };
+  const Expected expected[] = {{32, 0, "ProtocolRegistry::installProtocol("},
+                               {2, 1, " registry->softwareName()=connection"},
+                               {32, 1, "ProtocolRegistry::getProtocolInitializer("},
+                               {2, 2, " protocolName=p softwareName()=server softwareVersion()=2.1"},
+                               {64, 1, "ProtocolRegistry::getProtocolInitializer("},
+                               {32, 0, "Registry::setInstalledProtocol("},
+                               {2, 1, " softwareName_=connection protocolName=p"},
+                               {64, 0, "Registry::setInstalledProtocol("},
+                               {64, 0, "ProtocolRegistry::installProtocol("}};
+  const auto records = capture.records();
+  ASSERT_EQ(records.size(), std::size(expected));
+  for (std::size_t i = 0; i < records.size(); ++i) {
+    EXPECT_EQ(records[i].severity, expected[i].severity) << i;
+    EXPECT_EQ(records[i].indent, expected[i].indent) << i << ": each channel counts its own";
+    EXPECT_THAT(records[i].message, HasSubstr(expected[i].text)) << i;
+  }
 }
 
 }  // namespace

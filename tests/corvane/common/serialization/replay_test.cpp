@@ -2,6 +2,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -121,6 +123,22 @@ TEST_F(Replay, PassesOnWhatAnInitializerThrows) {
   EXPECT_THAT([&] { replay(); }, ThrowsMessage<std::runtime_error>(StrEq("no luck")));
 }
 
+TEST_F(Replay, PassesOnWhatTheInstallationThrows) {
+  source->setInstalledProtocol("first", {1, 0}, {});
+  source->setInstalledProtocol("second", {1, 0}, {});
+  protocols->registerProtocolInitializer("second", accepting(), {});
+  protocols->registerProtocolInitializer(
+      "first",
+      [&](const std::shared_ptr<Registry>& into, const Version& version, const Configuration&) {
+        protocols->installProtocol("second", {9, 9}, {}, into);
+        return Result(version, {});
+      },
+      {});
+
+  EXPECT_THAT([&] { replay(); },
+              ThrowsMessage<std::logic_error>(StrEq("Incompatible message protocol versions requested")));
+}
+
 TEST_F(Replay, LeavesTheSourceAloneAndDropsAFailedCopy) {
   std::weak_ptr<Registry> copy;
   protocols->registerProtocolInitializer("good", accepting(), {});
@@ -138,6 +156,7 @@ TEST_F(Replay, LeavesTheSourceAloneAndDropsAFailedCopy) {
 
   EXPECT_TRUE(copy.expired());
   EXPECT_THAT(source->protocols(), ElementsAre("good", "bad"));
+  EXPECT_EQ(source->installedProtocol("bad"), Version(1, 0));
 }
 
 TEST_F(Replay, WritesItsRecordsInOrder) {
@@ -152,18 +171,23 @@ TEST_F(Replay, WritesItsRecordsInOrder) {
               ElementsAre(" src->softwareName()=connection protocolRegistry->softwareName()=server",
                           " softwareName=connection", " softwareName_=connection", "Protocol: p",
                           " softwareName_=connection protocolName=p"));
-  EXPECT_EQ(capture.records()[3].severity, 4U);
+  const std::uint32_t severities[] = {2, 2, 2, 4, 2};
+  for (std::size_t i = 0; i < 5; ++i) EXPECT_EQ(capture.records()[i].severity, severities[i]) << i;
 }
 
 TEST_F(Replay, TracesAFailureAsThrown) {
-  source->setInstalledProtocol("p", {1, 0}, {});
-  log::RecordCapture capture;
-  const log::EnabledSeverities enabled(channel, 32 | 64);
+  source->setInstalledProtocol("p", {1, 0}, {{"a", "1"}});
+  for (const auto& answer : {answering({1, 1}), answering({1, 0})}) {
+    protocols->registerProtocolInitializer("p", answer, {});
+    log::RecordCapture capture;
+    const log::EnabledSeverities enabled(channel, 32 | 64);
 
-  EXPECT_THROW(replay(), std::logic_error);
+    EXPECT_THROW(replay(), std::logic_error);
 
-  EXPECT_THAT(capture.messages().front(), HasSubstr("Registry::create("));
-  EXPECT_THAT(capture.messages().back(), EndsWith(" [throw]"));
+    EXPECT_THAT(capture.messages().front(), HasSubstr("Registry::create("));
+    EXPECT_THAT(capture.messages().back(), EndsWith(" [throw]"));
+    protocols->releaseProtocolInitializer("p");
+  }
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <iomanip>
 #include <sstream>
 #include <type_traits>

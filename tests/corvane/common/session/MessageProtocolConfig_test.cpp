@@ -66,9 +66,12 @@ TEST(MessageProtocolConfig, WritesTheDefaultRecordAndReadsItAsOne) {
 }
 
 TEST(MessageProtocolConfig, WritesAnUnknownHandlingAsUndefined) {
-  EXPECT_EQ(MessageProtocolConfig::toJson({"p", {1, 0}, {{"f", "v", static_cast<FeatureHandling>(4)}}}),
-            R"({"features":[{"handling":"undefined","name":"f","value":"v"}],"name":"p",)"
-            R"("version":{"major":1,"minor":0}})");
+  for (const auto number : {0U, 4U, 256U, 257U, 0xFFFFFFFFU}) {
+    EXPECT_EQ(
+        MessageProtocolConfig::toJson({"p", {1, 0}, {{"f", "v", static_cast<FeatureHandling>(number)}}}),
+        R"({"features":[{"handling":"undefined","name":"f","value":"v"}],"name":"p",)"
+        R"("version":{"major":1,"minor":0}})");
+  }
 }
 
 TEST(MessageProtocolConfig, AcceptsAVersionWithoutNumbers) {

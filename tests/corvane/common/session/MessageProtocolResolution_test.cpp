@@ -4,10 +4,14 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace foundation::corvane::common::session {
 namespace {
+
+static_assert(std::is_copy_assignable_v<FeatureResolution> &&
+              std::is_copy_assignable_v<MessageProtocolResolution>);
 
 const MessageProtocolResolution telemetry("Telemetry", {2, 0},
                                           {{"compression", "lz4", FeatureStatus::success},
@@ -44,6 +48,12 @@ TEST(MessageProtocolResolution, IsComparedByEveryField) {
 TEST(MessageProtocolResolution, IsWrittenWithItsMembersInOrderAndReadBack) {
   EXPECT_EQ(MessageProtocolResolution::toJson(telemetry), telemetryText);
   EXPECT_EQ(read(telemetryText), telemetry);
+}
+
+TEST(MessageProtocolResolution, WritesTheDefaultRecordAndReadsItAsOne) {
+  const auto text = MessageProtocolResolution::toJson(MessageProtocolResolution());
+  EXPECT_EQ(text, R"({"name":"","resolutions":[],"version":{"major":65535,"minor":65535}})");
+  EXPECT_EQ(read(text), MessageProtocolResolution());
 }
 
 TEST(MessageProtocolResolution, IsTheDefaultRecordIfNameOrVersionIsMissingOrWrong) {

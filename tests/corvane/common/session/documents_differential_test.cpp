@@ -3,9 +3,12 @@
 // below. Over thousands of well-formed, odd and broken documents they must arrive at the same place.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "foundation/corvane/common/session/TransportSetup.hpp"
@@ -304,14 +307,74 @@ TEST(DocumentReaders, AgreeWithTheTreeOnBrokenDocuments) {
   for (int i = 0; i < 20000; ++i) expectBothRoadsMeet(documents.broken(documents.next(i % 2 ? 0 : 10)));
 }
 
+// --- back to text through the tree ------------------------------------------------------------------
+
+const char* nameOf(FeatureHandling handling) {
+  static const char* const names[] = {"undefined", "required", "optional", "preferred"};
+  return names[static_cast<std::size_t>(handling)];
+}
+
+Value treeOf(const FeatureRequest& request) {
+  return Object{{"name", request.name}, {"value", request.value}, {"handling", nameOf(request.handling)}};
+}
+
+Value treeOf(const FeatureResolution& resolution) {
+  return Object{
+      {"name", resolution.name}, {"message", resolution.message}, {"status", toString(resolution.status)}};
+}
+
+template <class Record>
+Value arrayOf(const std::vector<Record>& records);
+
+Value treeOf(const MessageProtocolConfig& config) {
+  return Object{{"name", config.name},
+                {"version", detail::toJsonObject(config.version)},
+                {"features", arrayOf(config.features)}};
+}
+
+Value treeOf(const MessageProtocolResolution& resolution) {
+  return Object{{"name", resolution.name},
+                {"version", detail::toJsonObject(resolution.version)},
+                {"resolutions", arrayOf(resolution.resolutions)}};
+}
+
+template <class Record>
+Value arrayOf(const std::vector<Record>& records) {
+  Array array;
+  for (const auto& record : records) array.push_back(treeOf(record));
+  return array;
+}
+
 TEST(DocumentWriters, WriteWhatTheTreeWouldWrite) {
-  Documents documents(4);
-  for (int i = 0; i < 2000; ++i) {
-    const auto text = documents.next(5);
-    const auto configs = toConfigs(text);
-    const auto resolutions = toResolutions(text);
-    EXPECT_EQ(json::serialize(json::parse(toJSON(configs))), toJSON(configs));
-    EXPECT_EQ(json::serialize(json::parse(toJSON(resolutions))), toJSON(resolutions));
+  std::mt19937_64 random(4);
+  const auto bytes = [&] {
+    std::string text(random() % 12, '\0');
+    for (auto& byte : text) byte = static_cast<char>(random());
+    return text;
+  };
+  const auto version = [&] {
+    return std::pair(static_cast<unsigned>(random() >> (32 + random() % 32)),
+                     static_cast<unsigned>(random()));
+  };
+  for (int round = 0; round < 1000; ++round) {
+    std::vector<MessageProtocolConfig> configs;
+    std::vector<MessageProtocolResolution> resolutions;
+    for (auto count = random() % 4; count > 0; --count) {
+      auto& config = configs.emplace_back(bytes(), version(), std::vector<FeatureRequest>());
+      auto& resolution = resolutions.emplace_back(bytes(), version(), std::vector<FeatureResolution>());
+      for (auto features = random() % 4; features > 0; --features) {
+        config.features.push_back({bytes(), bytes(), static_cast<FeatureHandling>(random() % 4)});
+        resolution.resolutions.emplace_back(bytes(), bytes(), static_cast<FeatureStatus>(random() % 8));
+      }
+    }
+    ASSERT_EQ(toJSON(configs), json::serialize(Object{{"protocolConfigs", arrayOf(configs)}}));
+    ASSERT_EQ(toJSON(resolutions), json::serialize(Object{{"protocolResolutions", arrayOf(resolutions)}}));
+    for (const auto& config : configs) {
+      ASSERT_EQ(MessageProtocolConfig::toJson(config), json::serialize(treeOf(config)));
+    }
+    for (const auto& resolution : resolutions) {
+      ASSERT_EQ(MessageProtocolResolution::toJson(resolution), json::serialize(treeOf(resolution)));
+    }
   }
 }
 

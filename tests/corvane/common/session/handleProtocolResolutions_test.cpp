@@ -114,12 +114,28 @@ TEST_F(HandleProtocolResolutions, PassesOnAnErrorAndKeepsWhatWasInstalledBefore)
   EXPECT_THAT(registry->protocols(), ElementsAre("p"));
 }
 
+TEST_F(HandleProtocolResolutions, PassesOnWhatAnInitializerThrows) {
+  struct Unlucky {};
+  std::vector<Call> calls;
+  protocols->registerProtocolInitializer(
+      "p",
+      [](const auto&, const auto&, const auto&) -> std::pair<Version, Configuration> { throw Unlucky(); },
+      {});
+  protocols->registerProtocolInitializer("q", accepting(&calls), {});
+
+  EXPECT_THROW(handle({{"p", {1, 0}, {}}, {"q", {1, 0}, {}}}), Unlucky);
+
+  EXPECT_THAT(calls, IsEmpty());
+}
+
 TEST_F(HandleProtocolResolutions, WritesNoRecordOfItsOwn) {
   log::RecordCapture capture;
   const log::EnabledSeverities enabled("foundation::corvane::common::session::TransportSetup", ~0U);
   protocols->registerProtocolInitializer("p", accepting(), {});
+  protocols->registerProtocolInitializer("declines", declining(), {});
 
-  handle({{"p", {1, 0}, {}}, {"p", undefinedVersion, {}}});
+  handle({{"p", {1, 0}, {}}, {"p", undefinedVersion, {}}, {"unknown", {1, 0}, {}}, {"declines", {1, 0}, {}}});
+  EXPECT_THROW(handle({{"p", {2, 0}, {}}}), std::logic_error);
 
   EXPECT_THAT(capture.records(), IsEmpty());
 }

@@ -2,9 +2,11 @@
 // Both sides of a negotiation, with nothing between them but texts.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <random>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -72,6 +74,47 @@ TEST(Negotiation, EndsWithBothSidesSpeakingTheSame) {
   EXPECT_EQ(client.registry->protocols(), std::vector<std::string>{"Telemetry"});
   EXPECT_EQ(client.registry->installedProtocol("Telemetry"), Version(2, 0));
   EXPECT_EQ(client.registry->installedConfiguration("Telemetry"), (Configuration{{"compression", "lz4"}}));
+}
+
+TEST(Negotiation, AnswersTheOneDocumentWithTheOther) {
+  Side server("server");
+  server.protocols->registerProtocolInitializer("Telemetry", upToMinor(0), {{"compression", "lz4"}});
+
+  const auto answer = resolveProtocolRequests(
+      server.protocols,
+      toConfigs(
+          R"({"protocolConfigs":[{"features":[{"handling":"required","name":"compression","value":"lz4"},)"
+          R"({"handling":"preferred","name":"batching","value":"on"}],"name":"Telemetry",)"
+          R"("version":{"major":2,"minor":1}}]})"),
+      server.registry);
+
+  EXPECT_EQ(
+      toJSON(answer),
+      R"({"protocolResolutions":[{"name":"Telemetry","resolutions":[{"message":"lz4","name":"compression",)"
+      R"("status":"success"},{"message":"on","name":"batching","status":"unsupported_warning"}],)"
+      R"("version":{"major":2,"minor":0}}]})");
+}
+
+TEST(Negotiation, MayRunForManyConnectionsAtOnceWithTheSameProtocols) {
+  Side client("client");
+  Side server("server");
+  client.protocols->registerProtocolInitializer("Telemetry", accepting(), {});
+  server.protocols->registerProtocolInitializer("Telemetry", upToMinor(0), {{"compression", "lz4"}});
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([&] {
+      for (int connection = 0; connection < 50; ++connection) {
+        auto here = client;
+        auto there = server;
+        here.registry = Registry::create("here");
+        there.registry = Registry::create("there");
+        negotiate(here, there, {{"Telemetry", {2, 1}, {{"compression", "lz4", FeatureHandling::required}}}});
+        expectAgreement(here, there);
+        EXPECT_EQ(here.registry->installedProtocol("Telemetry"), Version(2, 0));
+      }
+    });
+  }
+  for (auto& thread : threads) thread.join();
 }
 
 TEST(Negotiation, EndsInAgreementForGeneratedRequestsAndOffers) {

@@ -2,6 +2,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <boost/log/core/core.hpp>
+#include <cstdint>
+#include <iterator>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -162,7 +165,73 @@ TEST_F(ResolveProtocolRequests, WritesTheTraceAndOneRecordForAnEmptyList) {
 
   resolve({});
 
-  EXPECT_EQ(capture.records().size(), 3U);
+  EXPECT_THAT(capture.messages(),
+              ElementsAre(HasSubstr("resolveProtocolRequests("),
+                          " protocolRegistry->softwareName()=server registry->softwareName()=connection",
+                          HasSubstr("resolveProtocolRequests(")));
+}
+
+TEST_F(ResolveProtocolRequests, WritesItsRecordsAroundThoseOfTheInstallation) {
+  protocols->registerProtocolInitializer("p", accepting(), {});
+  log::RecordCapture capture;
+  const log::EnabledSeverities here(channel, 2 | 4 | 512);
+  const log::EnabledSeverities there("foundation::corvane::common::session::ProtocolRegistry", 2 | 4 | 512);
+  const log::EnabledSeverities inside("foundation::corvane::common::serialization::Registry", 2);
+
+  resolve({{"p", {1, 0}, {}}, {"q", {1, 0}, {}}});
+
+  EXPECT_THAT(
+      capture.messages(),
+      ElementsAre(" protocolRegistry->softwareName()=server registry->softwareName()=connection",
+                  HasSubstr(" protocolName=p "), HasSubstr(" protocolName=p "),
+                  " softwareName_=connection protocolName=p", "Pushing p", HasSubstr(" protocolName=q "),
+                  HasSubstr(" protocolName=q "), "q does not exist in map", "no intializer",
+                  "installedVersion == undefinedVersion"));
+}
+
+TEST_F(ResolveProtocolRequests, WritesEachRecordUnderItsOwnBit) {
+  const auto severitiesWith = [&](std::uint32_t mask) {
+    log::RecordCapture capture;
+    const log::EnabledSeverities enabled(channel, mask);
+    resolve({{"p", {1, 0}, {}}, {"p", undefinedVersion, {}}, {"q", {1, 0}, {}}});
+    std::vector<std::uint32_t> severities;
+    for (const auto& record : capture.records()) severities.push_back(record.severity);
+    return severities;
+  };
+  protocols->registerProtocolInitializer("p", accepting(), {});
+  EXPECT_THAT(severitiesWith(2), ElementsAre(2));
+  EXPECT_THAT(severitiesWith(4), ElementsAre(4));
+  EXPECT_THAT(severitiesWith(512), ElementsAre(512, 512));
+  EXPECT_THAT(severitiesWith(32), ElementsAre(32));
+  EXPECT_THAT(severitiesWith(~(2U | 4U | 32U | 64U | 512U)), IsEmpty());
+
+  boost::log::core::get()->set_logging_enabled(false);
+  EXPECT_THAT(severitiesWith(~0U), IsEmpty());
+  boost::log::core::get()->set_logging_enabled(true);
+}
+
+TEST_F(ResolveProtocolRequests, PassesOnWhatAnInitializerThrows) {
+  struct Unlucky {};
+  std::vector<Call> calls;
+  protocols->registerProtocolInitializer(
+      "p",
+      [](const auto&, const auto&, const auto&) -> std::pair<Version, Configuration> { throw Unlucky(); },
+      {});
+  protocols->registerProtocolInitializer("q", accepting(&calls), {});
+  log::RecordCapture capture;
+  const log::EnabledSeverities enabled(channel, 32 | 64);
+
+  EXPECT_THROW(resolve({{"p", {1, 0}, {}}, {"q", {1, 0}, {}}}), Unlucky);
+
+  EXPECT_THAT(calls, IsEmpty());
+  EXPECT_THAT(capture.messages().back(), EndsWith(" [throw]"));
+}
+
+TEST_F(ResolveProtocolRequests, AnswersWithAVersionOfWhichOneNumberIs65535) {
+  protocols->registerProtocolInitializer("p", answering({65535, 0}), {});
+  protocols->registerProtocolInitializer("q", answering({1, 65535}), {});
+  EXPECT_EQ(resolve({{"p", {1, 0}, {}}, {"q", {1, 0}, {}}}),
+            (Resolutions{{"p", {65535, 0}, {}}, {"q", {1, 65535}, {}}}));
 }
 
 TEST_F(ResolveProtocolRequests, TracesAFailureAsThrown) {

@@ -4,9 +4,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <boost/exception/exception.hpp>
 #include <boost/uuid/uuid_io.hpp>
+#include <cctype>
 #include <cstddef>
+#include <cstdint>
+#include <initializer_list>
 #include <set>
 #include <stdexcept>
 #include <string>

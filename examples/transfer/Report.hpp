@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "foundation/corvane/common/serialization/Registry.hpp"
+#include "foundation/corvane/common/session/ConnectionType.hpp"
+#include "foundation/corvane/common/session/MessageProtocolConfig.hpp"
+#include "foundation/corvane/common/session/MessageProtocolResolution.hpp"
+#include "names.hpp"
+
+// What people get to see.
+namespace transfer {
+
+struct Hello;
+
+/// Prints what one end has to tell, in front of each line who is speaking.
+class Report {
+ public:
+  explicit Report(std::string speaker) : speaker_(std::move(speaker)) {}
+
+  /// Prints lines, each with its line break, in one piece: two processes may share a terminal.
+  void print(const std::string& lines) const;
+
+ private:
+  std::string speaker_;
+};
+
+/// `text` without what could upset a terminal or break a line: much of what we print comes from a peer.
+std::string printable(std::string text);
+
+// Each of the following gives whole lines.
+
+std::string describeSession(const Hello& self, const Hello& peer, session::ConnectionType kind);
+std::string describeRequests(const std::vector<session::MessageProtocolConfig>& requests);
+std::string describeOffers(const std::vector<session::MessageProtocolConfig>& offers);
+
+/// What was agreed, and why not more.
+std::string describeOutcome(const std::vector<session::MessageProtocolConfig>& requests,
+                            const std::vector<session::MessageProtocolConfig>& offers,
+                            const std::vector<session::MessageProtocolResolution>& answers);
+
+std::string describeRegistry(const serialization::Registry& registry);
+std::string describeSummaries(const std::string& ours, const std::string& theirs);
+
+/// How much went over the wire, and how fast.
+struct Traffic {
+  std::uint64_t fileBytes = 0;
+  std::uint64_t wireBytes = 0;  ///< of the chunks, as they were sent
+  std::uint64_t chunks = 0;
+  std::chrono::duration<double> time{};
+};
+std::string describeTraffic(const Traffic& traffic);
+
+}  // namespace transfer

@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "session/negotiation.hpp"
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "foundation/corvane/common/session/TransportSetup.hpp"
+#include "foundation/corvane/common/uuid/Version.hpp"
+#include "foundation/json.hpp"
+#include "protocols/transfer.hpp"
+
+namespace transfer {
+
+namespace {
+
+using session::FeatureHandling;
+using session::FeatureRequest;
+using session::FeatureResolution;
+using session::FeatureStatus;
+using session::MessageProtocolConfig;
+using session::MessageProtocolResolution;
+
+using foundation::corvane::common::toString;
+
+// Nothing of an answer is fatal to the library. What is too little for us, or too much, is for us to say:
+// these are the objections of one who minds.
+
+bool wasAsked(const MessageProtocolConfig& asked, const FeatureResolution& got) {
+  return std::ranges::any_of(asked.features, [&](const FeatureRequest& feature) {
+    return feature.name == got.name && feature.value == got.message;
+  });
+}
+
+void checkFeatures(const MessageProtocolConfig& asked, const MessageProtocolResolution& answer) {
+  for (const auto& got : answer.resolutions) {
+    if (got.status == FeatureStatus::success && !wasAsked(asked, got)) {
+      throw std::runtime_error("the server agrees to " + got.name + " = " + got.message + " of " +
+                               asked.name + ", which was not asked for");
+    }
+  }
+  for (const auto& feature : asked.features) {
+    if (feature.handling != FeatureHandling::required) continue;
+    const auto got = std::ranges::find_if(answer.resolutions, [&](const FeatureResolution& resolution) {
+      return resolution.name == feature.name && resolution.message == feature.value;
+    });
+    if (got == answer.resolutions.end() || got->status != FeatureStatus::success) {
+      const auto status = got == answer.resolutions.end() ? FeatureStatus::undefined : got->status;
+      throw std::runtime_error(feature.name + " = " + feature.value + " is required of " + asked.name +
+                               ", and the answer is " + toString(status));
+    }
+  }
+}
+
+void checkAnswers(const Requests& requests, const std::vector<MessageProtocolResolution>& answers) {
+  for (const auto& answer : answers) {
+    const auto asked = std::ranges::find(requests.protocols, answer.name, &MessageProtocolConfig::name);
+    if (asked == requests.protocols.end()) {
+      throw std::runtime_error("the server installed " + answer.name + ", which was not asked for");
+    }
+    if (answer.version.first != asked->version.first || answer.version > asked->version) {
+      throw std::runtime_error("the server installed " + answer.name + ' ' + toString(answer.version) +
+                               " where " + toString(asked->version) + " was asked for");
+    }
+    checkFeatures(*asked, answer);
+  }
+  auto required = requests.required;
+  required.emplace_back(transferProtocol);
+  for (const auto& name : required) {
+    if (std::ranges::find(answers, name, &MessageProtocolResolution::name) == answers.end()) {
+      throw std::runtime_error("the server has not agreed to the protocol " + name);
+    }
+  }
+}
+
+// What a registry records, in a form in which equal registries have equal texts.
+std::string summaryOf(const serialization::Registry& registry) {
+  json::Object protocols;
+  for (const auto& name : registry.protocols()) {
+    json::Object configuration;
+    for (const auto& [feature, value] : registry.installedConfiguration(name)) configuration[feature] = value;
+    protocols[name] = json::Object{{"version", toString(registry.installedProtocol(name))},
+                                   {"configuration", std::move(configuration)}};
+  }
+  return json::serialize(protocols);
+}
+
+void compareSummaries(const std::string& ours, const std::string& theirs, const Report& report) {
+  report.print(describeSummaries(ours, theirs));
+  if (ours != theirs) throw std::runtime_error("the registries of the two ends differ");
+}
+
+}  // namespace
+
+std::shared_ptr<serialization::Registry> negotiateAsClient(
+    Conversation& conversation, const std::shared_ptr<serialization::ProtocolRegistry>& protocols,
+    const Requests& requests, const Report& report) {
+  const auto offers = session::toConfigs(conversation.hear(Document::offers));
+
+  report.print(describeRequests(requests.protocols));
+  conversation.say(Document::requests, toJSON(requests.protocols));
+  const auto answers = session::toResolutions(conversation.hear(Document::answers));
+  report.print(describeOffers(offers) + describeOutcome(requests.protocols, offers, answers));
+  checkAnswers(requests, answers);
+
+  auto registry = serialization::Registry::create(protocols->softwareName());
+  handleProtocolResolutions(protocols, answers, registry);
+  registry->close();
+  report.print(describeRegistry(*registry));
+  const auto summary = summaryOf(*registry);
+  conversation.say(Document::agreement, summary);
+  compareSummaries(summary, conversation.hear(Document::agreement), report);
+  return registry;
+}
+
+std::shared_ptr<serialization::Registry> negotiateAsServer(
+    Conversation& conversation, const std::shared_ptr<serialization::ProtocolRegistry>& protocols,
+    const std::vector<MessageProtocolConfig>& offers, const Report& report) {
+  conversation.say(Document::offers, toJSON(offers));
+
+  const auto requests = session::toConfigs(conversation.hear(Document::requests));
+  if (requests.empty()) throw std::runtime_error("the client's request cannot be read");
+  report.print(describeRequests(requests) + describeOffers(offers));
+
+  auto registry = serialization::Registry::create(protocols->softwareName());
+  const auto answers = resolveProtocolRequests(protocols, requests, registry);
+  registry->close();
+  conversation.say(Document::answers, toJSON(answers));
+  report.print(describeOutcome(requests, offers, answers) + describeRegistry(*registry));
+  // Hears first: should the client object to the answers, this is where its reason comes.
+  const auto theirs = conversation.hear(Document::agreement);
+  const auto summary = summaryOf(*registry);
+  conversation.say(Document::agreement, summary);
+  compareSummaries(summary, theirs, report);
+  return registry;
+}
+
+}  // namespace transfer
