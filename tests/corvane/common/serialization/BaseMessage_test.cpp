@@ -23,7 +23,7 @@ struct Numbered : BaseMessage {
 
  protected:
   bool protectedEquals(const BaseMessage& other) const override {
-    return BaseMessage::protectedEquals(other) && static_cast<const Numbered&>(other).number == number;
+    return BaseMessage::protectedEquals(other) && dynamic_cast<const Numbered&>(other).number == number;
   }
 };
 

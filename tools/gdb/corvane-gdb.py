@@ -1,0 +1,341 @@
+# SPDX-License-Identifier: Apache-2.0
+"""Corvane Common in the debugger.
+
+gdb loads this file of its own accord where the library is installed below /usr; elsewhere:
+
+    (gdb) source PREFIX/share/corvane_common/corvane-gdb.py
+
+It adds the command "corvane fastlog", for core files and live processes, and printers for the library's types. The
+command needs no debug information: it finds the log by a descriptor that the library exports, and only reads memory.
+"""
+
+import json
+import struct
+
+import gdb
+import gdb.printing
+
+
+# --- the event log ----------------------------------------------------------------------------------------------------
+
+
+# In place of a text: there is none. A text whose memory is gone is None.
+NULL = object()
+
+
+class LogError(Exception):
+    """Why there is no log to print."""
+
+
+class Memory:
+    """The debugged process's memory, or what a core file has kept of it."""
+
+    LONGEST_TEXT = 1 << 20
+
+    def __init__(self):
+        self._inferior = gdb.selected_inferior()
+
+    def bytes(self, address, size):
+        return self._inferior.read_memory(address, size).tobytes()
+
+    def unpack(self, form, address):
+        return struct.unpack(form, self.bytes(address, struct.calcsize(form)))
+
+    def pointer(self, address):
+        return self.unpack("P", address)[0]
+
+    def text(self, address):
+        """The C string at the address, as bytes; None if its memory is gone."""
+        found = b""
+        while len(found) < self.LONGEST_TEXT:
+            # Not across the boundary of a page, behind which there may be nothing.
+            size = 256 - address % 256
+            try:
+                piece = self.bytes(address, size)
+            except gdb.MemoryError:
+                return None
+            end = piece.find(b"\0")
+            if end >= 0:
+                return found + piece[:end]
+            found += piece
+            address += size
+        return None
+
+
+class ProcessLog:
+    """The events of the process's log, oldest first."""
+
+    MAGIC = b"corvane.fastlog\0"
+    VERSION = 1
+
+    def __init__(self):
+        self._memory = Memory()
+        try:
+            descriptor = int(gdb.parse_and_eval("(unsigned long)&corvane_fastlog_descriptor"))
+        except gdb.error as error:
+            raise LogError("no descriptor of the log found: is libcorvane_common loaded? (%s)" % error) from error
+        try:
+            self._read(descriptor)
+        except gdb.MemoryError as error:
+            raise LogError("the log is not in the memory at hand (%s)" % error) from error
+
+    def _read(self, descriptor):
+        memory = self._memory
+        magic, version, _ = memory.unpack("16sII", descriptor)
+        if magic != self.MAGIC:
+            raise LogError("the descriptor of the log is damaged, or not relocated yet: has the process started?")
+        if version != self.VERSION:
+            raise LogError("the log is of version %d, and this script knows %d" % (version, self.VERSION))
+        logger_at, current_offset, count_offset, ring_offset, record_count, record_size = memory.unpack(
+            "PQQQQQ", descriptor + 24
+        )
+        logger = memory.pointer(logger_at)
+        if logger == 0:
+            raise LogError("the process has no log: FastLogger::instance() was not called, or the logger is gone")
+        log = memory.pointer(logger + current_offset)
+        self.recorded = memory.unpack("Q", log + count_offset)[0]
+        ring = memory.bytes(log + ring_offset, record_count * record_size)
+
+        self.events = []
+        texts = {}
+        oldest = max(self.recorded - record_count, 0)
+        for event in range(oldest, oldest + record_count):
+            slot = event % record_count
+            pointers = struct.unpack_from("4P", ring, slot * record_size)
+            if pointers[1] == 0:
+                continue
+            for pointer in pointers:
+                if pointer and pointer not in texts:
+                    texts[pointer] = memory.text(pointer)
+            self.events.append((slot, [NULL if pointer == 0 else texts[pointer] for pointer in pointers]))
+
+    def lines(self):
+        yield "Log size = %d" % len(self.events)
+        for number, (slot, texts) in enumerate(self.events):
+            columns = []
+            for text, width in zip(texts, (15, 25, 10, 20)):
+                shown = "<null>" if text is NULL else "<unreadable>" if text is None else printable(text)
+                columns.append(shown.ljust(width) + " ")
+            yield "%4d  (%d): %s" % (number, slot, "".join(columns))
+
+    def json(self):
+        return json.dumps(
+            {
+                "recorded": self.recorded,
+                "events": [
+                    {
+                        "slot": slot,
+                        "texts": [
+                            None if text is NULL else {"unreadable": True} if text is None else printable(text)
+                            for text in texts
+                        ],
+                    }
+                    for slot, texts in self.events
+                ],
+            },
+            ensure_ascii=False,
+        )
+
+
+def printable(text):
+    """UTF-8 as it is, any other byte as an escape."""
+    return text.decode("utf-8", "backslashreplace")
+
+
+class Corvane(gdb.Command):
+    """Commands for programs that use Corvane Common."""
+
+    def __init__(self):
+        super().__init__("corvane", gdb.COMMAND_DATA, gdb.COMPLETE_NONE, True)
+
+
+class FastLogCommand(gdb.Command):
+    """Print the process's event log, oldest event first.
+
+    corvane fastlog [--json]
+
+    Works on a core file and on a live process, which it does not disturb, and without debug information. With --json,
+    one line: {"recorded": N, "events": [{"slot": N, "texts": [T, T, T, T]}]}, T a string, null, or
+    {"unreadable": true}."""
+
+    def __init__(self):
+        super().__init__("corvane fastlog", gdb.COMMAND_DATA, gdb.COMPLETE_NONE)
+
+    def invoke(self, argument, from_tty):
+        arguments = gdb.string_to_argv(argument)
+        if arguments not in ([], ["--json"]):
+            raise gdb.GdbError("usage: corvane fastlog [--json]")
+        try:
+            log = ProcessLog()
+        except LogError as error:
+            raise gdb.GdbError(str(error))
+        if arguments:
+            gdb.write(log.json() + "\n")
+        else:
+            for line in log.lines():
+                gdb.write(line + "\n")
+
+
+# --- printers ---------------------------------------------------------------------------------------------------------
+
+
+class FastLogPrinter:
+    """How full a log is; its events are for "corvane fastlog"."""
+
+    def __init__(self, value):
+        self._value = value
+
+    def to_string(self):
+        recorded = int(self._value["count_"]["_M_i"])
+        size = int(self._value["ring_"].type.template_argument(1))
+        return "log of %d events, %d recorded" % (min(recorded, size), recorded)
+
+
+class IDPrinter:
+    """Both numbers, as the text form has them."""
+
+    def __init__(self, value):
+        self._value = value
+
+    def to_string(self):
+        fields = (int(self._value[name]) & 0xFFFFFFFFFFFFFFFF for name in ("sequence", "processId"))
+        return " ".join("0" if field == 0 else hex(field) for field in fields)
+
+
+class UUIDPrinter:
+    """The 36 characters."""
+
+    def __init__(self, value):
+        self._value = value["value"]
+
+    def to_string(self):
+        # The 16 bytes are all there is, whatever Boost calls them.
+        text = bytes(gdb.selected_inferior().read_memory(int(self._value.address), 16)).hex()
+        return "-".join((text[:8], text[8:12], text[12:16], text[16:20], text[20:]))
+
+
+class VersionPrinter:
+    """The dotted text."""
+
+    def __init__(self, value):
+        self._value = value
+
+    def to_string(self):
+        pair = (int(self._value["first"]), int(self._value["second"]))
+        return "undefinedVersion" if pair == (65535, 65535) else "%d.%d" % pair
+
+
+class EnumPrinter:
+    """The enumerator's bare name."""
+
+    def __init__(self, value):
+        self._value = value
+
+    def to_string(self):
+        number = int(self._value)
+        for field in self._value.type.strip_typedefs().fields():
+            if field.enumval == number:
+                return field.name.rsplit("::", 1)[-1]
+        return "%d, which has no name" % number
+
+
+class FieldsPrinter:
+    """A record: its fields, by the names that its users know."""
+
+    def __init__(self, title, fields):
+        self._title = title
+        self._fields = fields
+
+    def __call__(self, value):
+        printer = FieldsPrinter(self._title, self._fields)
+        printer.value = value
+        return printer
+
+    def to_string(self):
+        return self._title(self.value) if callable(self._title) else self._title
+
+    def children(self):
+        for name, path in self._fields:
+            yield name, self.value[path]
+
+
+class ValuePrinter:
+    """A JSON value: what it holds, and nothing of how."""
+
+    KINDS = ("null", "bool", "double", "int64", "uint64", "string", "array", "object")
+
+    def __init__(self, value):
+        variant = value["data_"]
+        index = int(variant["_M_index"])
+        self._kind = self.KINDS[index] if 0 <= index < len(self.KINDS) else None
+        self._held = None
+        if self._kind not in (None, "null"):
+            alternatives = variant.type.strip_typedefs()
+            storage = variant["_M_u"]
+            for _ in range(index):
+                storage = storage["_M_rest"]
+            held = alternatives.template_argument(index)
+            self._held = storage["_M_first"]["_M_storage"].address.cast(held.pointer()).dereference()
+
+    def to_string(self):
+        if self._kind is None:
+            return "damaged JSON value"
+        if self._kind == "null":
+            return "null"
+        if self._kind in ("array", "object"):
+            return "JSON " + self._kind
+        return self._held.format_string()
+
+    def children(self):
+        if self._kind in ("array", "object"):
+            yield self._kind, self._held
+
+
+def registry_title(value):
+    return 'Registry of %s, %s' % (value["softwareName_"].format_string(), "closed" if value["closed_"] else "open")
+
+
+def protocol_registry_title(value):
+    return "ProtocolRegistry of %s %s" % (
+        value["softwareName_"].format_string(),
+        value["softwareVersion_"].format_string(),
+    )
+
+
+def printers():
+    common = "^foundation::corvane::common::"
+    session = common + "session::"
+    collection = gdb.printing.RegexpCollectionPrettyPrinter("corvane_common")
+
+    def add(name, pattern, printer):
+        collection.add_printer(name, pattern + "$", printer)
+
+    add("FastLog", common + "logging::FastLog", FastLogPrinter)
+    add("IDType", session + "IDType", IDPrinter)
+    add("UUIDType", session + "UUIDType", UUIDPrinter)
+    add("version", "^std::pair<unsigned int, unsigned int>", VersionPrinter)
+    for name in ("FeatureHandling", "FeatureStatus", "ConnectionType", "SessionType", "TransportType",
+                 "LaunchConnectPolicy"):
+        add(name, session + name, EnumPrinter)
+    add("DomainType", common + "framing::DomainType", EnumPrinter)
+    add("FeatureRequest", session + "FeatureRequest",
+        FieldsPrinter("request", (("name", "name"), ("value", "value"), ("handling", "handling"))))
+    add("FeatureResolution", session + "FeatureResolution",
+        FieldsPrinter("resolution", (("name", "name"), ("message", "message"), ("status", "status"))))
+    add("MessageProtocolConfig", session + "MessageProtocolConfig",
+        FieldsPrinter("config", (("name", "name"), ("version", "version"), ("features", "features"))))
+    add("MessageProtocolResolution", session + "MessageProtocolResolution",
+        FieldsPrinter("resolution", (("name", "name"), ("version", "version"), ("resolutions", "resolutions"))))
+    add("Registry", common + "serialization::Registry",
+        FieldsPrinter(registry_title, (("protocols", "protocols_"), ("versions", "versions_"),
+                                       ("configurations", "configurations_"), ("positions by tag", "positionsByTag_"),
+                                       ("serializers", "serializers_"))))
+    add("ProtocolRegistry", common + "serialization::ProtocolRegistry",
+        FieldsPrinter(protocol_registry_title, (("protocols", "protocols_"),)))
+    add("Value", "^foundation::json::Value", ValuePrinter)
+    return collection
+
+
+Corvane()
+FastLogCommand()
+gdb.printing.register_pretty_printer(gdb.current_objfile(), printers(), replace=True)
