@@ -18,7 +18,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "tests/json/allocations.hpp"
+#include "tests/allocations.hpp"
 
 namespace foundation::json {
 namespace {

@@ -9,7 +9,7 @@
 #include <type_traits>
 #include <utility>
 
-#include "tests/json/allocations.hpp"
+#include "tests/allocations.hpp"
 
 namespace foundation::json {
 namespace {

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "foundation/json/Value.hpp"
-#include "tests/json/allocations.hpp"
+#include "tests/allocations.hpp"
 
 namespace foundation::json {
 namespace {

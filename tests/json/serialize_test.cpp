@@ -12,7 +12,7 @@
 
 #include "foundation/json/Value.hpp"
 #include "foundation/json/parse.hpp"
-#include "tests/json/allocations.hpp"
+#include "tests/allocations.hpp"
 
 namespace foundation::json {
 namespace {

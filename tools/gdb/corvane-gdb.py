@@ -338,4 +338,14 @@ def printers():
 
 Corvane()
 FastLogCommand()
-gdb.printing.register_pretty_printer(gdb.current_objfile(), printers(), replace=True)
+if gdb.current_objfile() is not None:
+    gdb.printing.register_pretty_printer(gdb.current_objfile(), printers(), replace=True)
+else:
+    # Read by hand, for no file in particular. The printers of a file come before those of none, and the standard library
+    # has one of its own for pairs; so these go with the first file there is, the program.
+    def register(_=None):
+        for objfile in gdb.objfiles()[:1]:
+            gdb.printing.register_pretty_printer(objfile, printers(), replace=True)
+
+    register()
+    gdb.events.new_objfile.connect(register)

@@ -14,7 +14,7 @@
 #include "foundation/json.hpp"
 #include "tests/corvane/common/serialization/protocols.hpp"
 #include "tests/corvane/common/serialization/serializers.hpp"
-#include "tests/json/allocations.hpp"
+#include "tests/allocations.hpp"
 
 namespace foundation::corvane::common {
 namespace {

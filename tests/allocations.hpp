@@ -16,6 +16,10 @@ std::size_t live() noexcept;
 /// Lets the `n`-th allocation from now on fail, once; 0 for none.
 void failAt(std::size_t n) noexcept;
 
+/// What operator new and delete come to, for other ways to memory that a program replaces.
+void* allocate(std::size_t size) noexcept;
+void release(void* memory) noexcept;
+
 /// Fails the first allocation of `call`, in the next turn its second one, and so on until it gets through.
 /// After each failure `check` looks at what is left. Returns the number of failures.
 template <class Call, class Check>

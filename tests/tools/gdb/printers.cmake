@@ -1,0 +1,46 @@
+# SPDX-License-Identifier: Apache-2.0
+# Takes GDB, VIEW (the script), PROGRAM. Stops in the program and compares what gdb prints of each variable.
+set(names id uuidOf version noVersion handling status noStatus domain request config resolution *registry *protocols *log
+  value nothing)
+set(commands -ex "source ${VIEW}" -ex "break stopHere" -ex run -ex up)
+foreach(name IN LISTS names)
+  list(APPEND commands -ex "printf \"${name} is \"" -ex "output ${name}" -ex "echo \\n")
+endforeach()
+execute_process(COMMAND ${GDB} -q -batch ${commands}
+  -ex "call (void)foundation::corvane::common::logging::dumpGlobalFastLog()" ${PROGRAM}
+  OUTPUT_VARIABLE text ERROR_VARIABLE text)
+
+function(expect)
+  foreach(line IN LISTS ARGN)
+    string(FIND "${text}" "${line}" position)
+    if(position EQUAL -1)
+      message(SEND_ERROR "gdb did not print: ${line}")
+      set(failed TRUE PARENT_SCOPE)
+    endif()
+  endforeach()
+endfunction()
+
+expect(
+  "id is 0xff 0x10\n"
+  "uuidOf is 0f1e2d3c-4b5a-4978-8695-a4b3c2d1e0ff\n"
+  "version is 2.1\n"
+  "noVersion is undefinedVersion\n"
+  "handling is preferred\n"
+  "status is unsupported_warning\n"
+  "noStatus is 77, which has no name\n"
+  "domain is StreamDomain\n"
+  "request is request = {name = \"compression\", value = \"lz4\", handling = required}\n"
+  "config is config = {name = \"Telemetry\", version = 2.1, features = "
+  "resolution is resolution = {name = \"Telemetry\", version = 2.0, resolutions = "
+  "message = \"lz4\", status = success}"
+  "*registry is Registry of \"client\", closed = {protocols = "
+  "*protocols is ProtocolRegistry of \"server\" \"2.1\" = {protocols = "
+  "*log is log of 1 events, 1 recorded\n"
+  "value is JSON object = {object = "
+  "JSON array = {array = std::vector of length 5, capacity 5 = {1, 2.5, \"text\", null, true}}"
+  "nothing is null\n"
+  # A debugger may also call the library's own dump, by the name that nobody else uses.
+  "Global FastLog:\nLog size = 0\n\n")
+if(failed)
+  message(STATUS "${text}")
+endif()
