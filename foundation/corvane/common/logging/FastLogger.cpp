@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "foundation/corvane/common/logging/FastLogger.hpp"
 
-#include <mutex>
 #include <thread>
 
 #include "foundation/corvane/common/logging/logLayout.hpp"
@@ -19,11 +18,14 @@ FastLogger::~FastLogger() {
 }
 
 std::shared_ptr<FastLogger> FastLogger::instance() {
-  static std::once_flag once;
-  std::call_once(once, [] {
+  // The guard of a static, not std::call_once: where memory runs out the next call has to try again, and with
+  // some sanitizers' runtimes a once_flag whose function threw is locked for ever.
+  static const bool made = [] {
     globalLogger_ = std::make_shared<FastLogger>();
     processLogger.store(globalLogger_.get());
-  });
+    return true;
+  }();
+  static_cast<void>(made);
   return globalLogger_;
 }
 
