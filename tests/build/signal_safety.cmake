@@ -2,7 +2,7 @@
 # Takes NM, OBJECTS. What dumpFastLog is made of calls nothing but system calls and functions that a signal handler may
 # call: the object files name nothing else.
 set(allowed
-  write read pipe2 close getpid process_vm_readv  # system calls
+  write read pipe2 close getpid process_vm_readv syscall  # system calls
   memchr memcpy memset memmove strlen __errno_location __stack_chk_fail _GLOBAL_OFFSET_TABLE_
   # The pieces of the dump themselves, and the pointer to the log.
   "_ZN10foundation7corvane6common7logging12MemoryReader.*" "_ZN10foundation7corvane6common7logging13processLoggerE"

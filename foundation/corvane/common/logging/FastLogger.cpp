@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "foundation/corvane/common/logging/FastLogger.hpp"
 
+#include <iostream>
 #include <thread>
 
+#include "foundation/corvane/common/logging/keep.hpp"
 #include "foundation/corvane/common/logging/logLayout.hpp"
 
 namespace foundation::corvane::common::logging {
@@ -49,6 +51,17 @@ std::shared_ptr<FastLog> FastLogger::snapshot() {
   std::this_thread::yield();
   std::this_thread::yield();
   return {owner, taken};
+}
+
+// For a debugger to call by name: prints the process's log, and empties it. Declared in no header, so that no
+// program comes to rely on it; in this file, so that a program that links statically has it, too.
+FOUNDATION_KEEP __attribute__((noinline, visibility("hidden"))) void dumpGlobalFastLog();
+
+void dumpGlobalFastLog() {
+  const auto snapshot = FastLogger::instance()->snapshot();
+  std::cout << "Global FastLog:" << std::endl;
+  snapshot->print(std::cout);
+  std::cout << std::endl;
 }
 
 }  // namespace foundation::corvane::common::logging

@@ -4,9 +4,12 @@
 #include <cstdint>
 
 #include "foundation/core/export.hpp"
+#include "foundation/corvane/common/logging/keep.hpp"
 #include "foundation/corvane/common/logging/logLayout.hpp"
 
 namespace foundation::corvane::common::logging {
+
+constinit std::atomic<const FastLogger*> processLogger{nullptr};
 
 namespace {
 
@@ -26,13 +29,14 @@ struct Descriptor {
   std::uint64_t recordSize;  // in bytes; a record begins with its four texts
 };
 
-static_assert(sizeof(std::atomic<FastLog*>) == sizeof(FastLog*) && sizeof(std::atomic<std::uint64_t>) == 8);
+static_assert(sizeof(std::atomic<FastLog*>) == sizeof(void*) && sizeof(std::atomic<std::uint64_t>) == 8);
 
 }  // namespace
 
 extern "C" FOUNDATION_EXPORT const Descriptor corvane_fastlog_descriptor;
 
-extern "C" const Descriptor corvane_fastlog_descriptor = {
+// Beside the pointer, which the logger needs: so that a program that links statically has it, too.
+extern "C" FOUNDATION_KEEP const Descriptor corvane_fastlog_descriptor = {
     {"corvane.fastlog"},      1,
     sizeof(Descriptor),       &processLogger,
     LogLayout::currentOffset, LogLayout::countOffset,

@@ -24,7 +24,8 @@ namespace foundation::corvane::common::logging {
 /// with neither, every text is unreadable.
 ///
 /// Does nothing before the first `FastLogger::instance()` and after that logger has been destroyed; stops
-/// where `fd` takes no more.
+/// where `fd` takes no more, which for one that does not block is wherever it would have to. A pipe that
+/// nobody reads sends SIGPIPE, as for any write.
 FOUNDATION_EXPORT void dumpFastLog(int fd) noexcept;
 
 }  // namespace foundation::corvane::common::logging

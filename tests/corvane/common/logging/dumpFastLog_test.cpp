@@ -4,7 +4,12 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <pthread.h>
 #include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -12,6 +17,7 @@
 #include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 #include <sstream>
@@ -163,6 +169,99 @@ TEST(DumpFastLog, GivesUpOnADescriptorThatTakesNothing) {
   ::close(full);
 }
 
+/// Writes to a pipe that holds a page, and interrupts the writer again and again; what the reader got.
+template <class Action>
+std::string readWhileInterrupting(const Action& action) {
+  struct sigaction interrupt {};
+  interrupt.sa_handler = [](int) {};
+  struct sigaction before {};
+  ::sigaction(SIGUSR1, &interrupt, &before);  // without SA_RESTART
+  std::array<int, 2> ends{};
+  EXPECT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
+  ::fcntl(ends[1], F_SETPIPE_SZ, 4096);
+
+  std::atomic<bool> writing = true;
+  std::thread writer([&] {
+    action(ends[1]);
+    writing = false;
+    ::close(ends[1]);
+  });
+  std::string text;
+  std::array<char, 700> piece{};
+  for (;;) {
+    if (writing) ::pthread_kill(writer.native_handle(), SIGUSR1);
+    const auto size = ::read(ends[0], piece.data(), piece.size());
+    if (size <= 0) break;
+    text.append(piece.data(), static_cast<std::size_t>(size));
+  }
+  writer.join();
+  ::close(ends[0]);
+  ::sigaction(SIGUSR1, &before, nullptr);
+  return text;
+}
+
+TEST(DumpFastLog, WritesOnWhereASignalInterruptedIt) {
+  const auto logger = emptyLogger();
+  for (int i = 0; i < 1024; ++i) logger->log(logger->save(std::to_string(i)), "event", nullptr, nullptr);
+  const auto text = readWhileInterrupting([](int fd) { dumpFastLog(fd); });
+  EXPECT_EQ(text, printed(*logger->snapshot()));
+}
+
+/// Lets the kernel refuse one system call from now on, as containers do; whether it could be had.
+bool forbid(unsigned systemCall) {
+  std::array<sock_filter, 4> filter = {{
+      BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, systemCall, 0, 1),
+      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EPERM),
+      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+  }};
+  const sock_fprog program{static_cast<unsigned short>(filter.size()), filter.data()};
+  return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
+         ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
+}
+
+/// What a child dumps that runs `restrict` first; nothing if that says that it cannot be had.
+template <class Restrict>
+std::string dumpOfRestricted(const Restrict& restrict) {
+  return written([&](int fd) {
+    const auto child = ::fork();
+    if (child == 0) {
+      if (restrict()) dumpFastLog(fd);
+      ::_exit(0);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+  });
+}
+
+TEST(DumpFastLog, ReadsTextsWhereAProcessMayNotReadItsOwnMemoryDirectly) {
+  const auto logger = emptyLogger();
+  const std::string longText(5000, 'x');
+  constexpr std::size_t page = 4096;
+  auto* const closed =
+      static_cast<char*>(::mmap(nullptr, page, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+  logger->log("first", closed, longText.c_str(), nullptr);
+  if (dumpOfRestricted([] { return forbid(SYS_getppid); }).empty()) GTEST_SKIP() << "no seccomp here";
+
+  const auto text = dumpOfRestricted([] { return forbid(SYS_process_vm_readv); });
+
+  EXPECT_EQ(text, dump());
+  EXPECT_THAT(text, HasSubstr(" <unreadable>              " + longText + " <null>"));
+  logger->snapshot();
+  ::munmap(closed, page);
+}
+
+TEST(DumpFastLog, SaysWhereNoTextCanBeRead) {
+  const auto logger = emptyLogger();
+  logger->log("first", "second", nullptr, nullptr);
+  if (dumpOfRestricted([] { return forbid(SYS_getppid); }).empty()) GTEST_SKIP() << "no seccomp here";
+
+  const auto text = dumpOfRestricted([] { return forbid(SYS_process_vm_readv) && forbid(SYS_pipe2); });
+
+  EXPECT_THAT(text, HasSubstr(": <unreadable>    <unreadable>              <null> "));
+}
+
 int crashOutput = -1;
 
 void onCrash(int) {
@@ -199,7 +298,8 @@ std::string dumpOfCrash(int signal, const Crash& crash) {
 TEST(DumpFastLog, WorksInTheHandlerOfACrashOnAnotherStack) {
   const auto logger = emptyLogger();
   logger->log("last", "words", nullptr, nullptr);
-  EXPECT_THAT(dumpOfCrash(SIGSEGV, [] { ::raise(SIGSEGV); }), HasSubstr("(0): last            words "));
+  const auto text = dumpOfCrash(SIGSEGV, [] { *const_cast<volatile char*>(goneText()) = 'x'; });
+  EXPECT_THAT(text, HasSubstr("(0): last            words "));
 }
 
 TEST(DumpFastLog, WorksInAHandlerThatInterruptsMemoryAllocation) {
