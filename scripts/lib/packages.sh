@@ -55,6 +55,12 @@ list_group() {
       need libssl-dev "the checksum of the file that is sent" has_header openssl/evp.h
       need pkg-config "finds these" has_program pkg-config
       ;;
+    bench)
+      need libbenchmark-dev "the measuring" has_header benchmark/benchmark.h
+      need libspdlog-dev "a peer: its backtrace" has_header spdlog/spdlog.h
+      need liblttng-ust-dev "another peer: tracepoints" has_header lttng/tracepoint.h
+      need lttng-tools "its daemon" has_program lttng
+      ;;
     ci)
       need clang "the other compiler" has_program clang++
       need clang-format "the formatting" has_program clang-format
