@@ -12,9 +12,9 @@
 #include "foundation/corvane/common/serialization/Registry.hpp"
 #include "foundation/corvane/common/session/TransportSetup.hpp"
 #include "foundation/json.hpp"
+#include "tests/allocations.hpp"
 #include "tests/corvane/common/serialization/protocols.hpp"
 #include "tests/corvane/common/serialization/serializers.hpp"
-#include "tests/allocations.hpp"
 
 namespace foundation::corvane::common {
 namespace {

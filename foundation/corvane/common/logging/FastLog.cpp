@@ -19,9 +19,7 @@
 namespace foundation::corvane::common::logging {
 
 struct FastLog::SavedTexts {
-  tbb::concurrent_unordered_set<std::string, std::hash<std::string>, std::equal_to<std::string>,
-                                TextAllocator>
-      set;
+  tbb::concurrent_unordered_set<std::string, std::hash<std::string>, std::equal_to<>, TextAllocator> set;
 };
 
 FastLog::FastLog() : ring_{}, savedTexts_(new SavedTexts) {}
