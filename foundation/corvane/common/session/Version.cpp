@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "foundation/corvane/common/session/versionFrom.hpp"
+#include "foundation/corvane/common/session/versionNumber.hpp"
 #include "foundation/json/Value.hpp"
 
 namespace foundation::corvane::common::session::detail {
@@ -20,19 +20,11 @@ double memberNumber(const json::Object& object, const char* name) {
 
 }  // namespace
 
-std::pair<unsigned, unsigned> versionFrom(double majorNumber, double minorNumber) noexcept {
-  constexpr double nudge = 0.01;  // lifts a number that came out just below a whole one
-  const auto fits = [](double number) {
-    return number > -1.0 && number < 4294967296.0;
-  };  // false for a NaN too
-  majorNumber += nudge;
-  minorNumber += nudge;
-  if (!fits(majorNumber) || !fits(minorNumber)) return undefinedVersion;
-  return {static_cast<unsigned>(majorNumber), static_cast<unsigned>(minorNumber)};
-}
-
 std::pair<unsigned, unsigned> parseVersion(const json::Object& object) {
-  return versionFrom(memberNumber(object, "major"), memberNumber(object, "minor"));
+  const auto majorNumber = versionNumber(memberNumber(object, "major"));
+  const auto minorNumber = versionNumber(memberNumber(object, "minor"));
+  if (!majorNumber || !minorNumber) return undefinedVersion;
+  return {*majorNumber, *minorNumber};
 }
 
 json::Object toJsonObject(const std::pair<unsigned, unsigned>& version) {
