@@ -5,7 +5,7 @@ include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/corvane_common)
 
-# Two exports, for the two namespaces of the targets.
+# An export for each component: the namespaces of their targets differ, and not everyone installs all of them.
 install(TARGETS foundation
   EXPORT foundationTargets
   FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
@@ -14,6 +14,12 @@ install(TARGETS corvane_common
   EXPORT corvane_commonTargets
   FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(EXPORT corvane_commonTargets NAMESPACE corvane:: DESTINATION ${package_dir})
+foreach(component IN ITEMS inspect)
+  install(TARGETS corvane_${component}
+    EXPORT corvane_${component}Targets
+    FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+  install(EXPORT corvane_${component}Targets NAMESPACE corvane:: DESTINATION ${package_dir})
+endforeach()
 
 get_target_property(library_type corvane_common TYPE)
 configure_package_config_file(cmake/corvane_commonConfig.cmake.in corvane_commonConfig.cmake
@@ -32,7 +38,7 @@ if(boost_log_type STREQUAL "SHARED_LIBRARY")
 endif()
 file(RELATIVE_PATH pkgconfig_to_prefix
   ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
-foreach(name IN ITEMS foundation corvane_common)
+foreach(name IN ITEMS foundation corvane_common corvane_inspect)
   configure_file(cmake/${name}.pc.in ${name}.pc @ONLY)
   install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${name}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 endforeach()

@@ -1,0 +1,11 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "foundation/corvane/inspect/Agreement.hpp"
+#include "foundation/corvane/inspect/Document.hpp"
+#include "foundation/corvane/inspect/Explanation.hpp"
+#include "foundation/corvane/inspect/Finding.hpp"
+#include "foundation/corvane/inspect/Judgement.hpp"
+#include "foundation/corvane/inspect/Offers.hpp"
+#include "foundation/corvane/inspect/diagnose.hpp"
+#include "foundation/corvane/inspect/rehearse.hpp"

@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "foundation/core/export.hpp"
+#include "foundation/corvane/common/session/FeatureHandling.hpp"
+#include "foundation/corvane/common/session/FeatureStatus.hpp"
+#include "foundation/corvane/common/session/MessageProtocolConfig.hpp"
+#include "foundation/corvane/common/session/MessageProtocolResolution.hpp"
+#include "foundation/corvane/common/session/Version.hpp"
+#include "foundation/corvane/inspect/Offers.hpp"
+
+namespace foundation::corvane::inspect {
+
+/// What became of a request for a feature.
+enum class FeatureOutcome : std::uint8_t {
+  Accepted,     ///< With the value asked for.
+  Overruled,    ///< A success, but an earlier success of the same name has another value, which counts.
+  Ineffective,  ///< A success, but in a second answer for the protocol, whose configuration stays as it is.
+  NotOffered,   ///< The protocol does not have the feature.
+  ValueNotOffered,  ///< The protocol has the feature, but not with this value.
+  InvalidHandling,  ///< The answer says `invalid_handling`, which no server of this library does.
+  Unanswered,       ///< The answer has no entry: not offered, and asked for without a known handling.
+  ProtocolLost,     ///< The answer does not have the protocol.
+};
+
+/// What became of a request for a protocol.
+enum class ProtocolOutcome : std::uint8_t {
+  Agreed,             ///< Installed at the version asked for.
+  OlderVersion,       ///< Installed at a lower version.
+  NewerVersion,       ///< Installed at a higher version.
+  NoVersion,          ///< Lost: the request has no version, so the server drops it.
+  Unreadable,         ///< Lost: the request is the default record, which is what an unreadable one becomes.
+  Unknown,            ///< Lost: the server does not offer the protocol.
+  Declined,           ///< Lost: the server offers the protocol, so its initializer declined, or is empty.
+  UnknownOrDeclined,  ///< Lost: one of these two; there are no offers to tell which.
+  VersionConflict,    ///< Lost: asked for a second time at another version, which ends the negotiation.
+  Undefined,          ///< Lost: it is in the answer, but with no version, so the client passes it over.
+};
+
+/// The names of the enumerators. Static storage.
+FOUNDATION_EXPORT const char* toCString(FeatureOutcome outcome) noexcept;
+FOUNDATION_EXPORT const char* toCString(ProtocolOutcome outcome) noexcept;
+
+/// One request for a feature, and what became of it. A plain value.
+struct FeatureExplanation {
+  std::string name;
+  std::string value;  ///< As asked for.
+  common::session::FeatureHandling handling = common::session::FeatureHandling::undefined;
+  /// The values that the protocol offers of this feature, each once, in the order of the offers.
+  std::vector<std::string> offered;
+  FeatureOutcome outcome = FeatureOutcome::Unanswered;
+  /// The status of the first entry that answers the request; `undefined` if there is none.
+  common::session::FeatureStatus status = common::session::FeatureStatus::undefined;
+  std::string why;  ///< A sentence for people, without a full stop.
+
+  friend bool operator==(const FeatureExplanation&, const FeatureExplanation&) = default;
+};
+
+/// One request for a protocol, and what became of it. A plain value.
+struct ProtocolExplanation {
+  std::string name;
+  std::pair<unsigned, unsigned> asked = common::session::undefinedVersion;
+  std::pair<unsigned, unsigned> answered = common::session::undefinedVersion;  ///< Undefined if it was lost.
+  ProtocolOutcome outcome = ProtocolOutcome::Unknown;
+  std::string why;                           ///< A sentence for people, without a full stop.
+  std::vector<FeatureExplanation> features;  ///< One for each feature requested, in that order.
+
+  friend bool operator==(const ProtocolExplanation&, const ProtocolExplanation&) = default;
+};
+
+/// Something in the answer that nobody asked for. A plain value.
+struct UnaskedAnswer {
+  std::string protocol;
+  std::pair<unsigned, unsigned> version = common::session::undefinedVersion;
+  /// False: the whole protocol was not asked for, and the three members that follow are empty.
+  bool isFeature = false;
+  std::string feature;
+  std::string value;
+  common::session::FeatureStatus status = common::session::FeatureStatus::undefined;
+  std::string why;  ///< A sentence for people, without a full stop.
+
+  friend bool operator==(const UnaskedAnswer&, const UnaskedAnswer&) = default;
+};
+
+/// What became of each request. A plain value.
+struct Explanation {
+  std::vector<ProtocolExplanation> protocols;  ///< One for each configuration, in that order.
+  std::vector<UnaskedAnswer> unasked;          ///< In the order of the answer.
+
+  friend bool operator==(const Explanation&, const Explanation&) = default;
+};
+
+/// Explains a server's answer to a client's requests, as far as these two tell. Each request occurs once.
+/// Protocols and features are matched by name, in order. Pure; linear in its arguments.
+/// @throws std::bad_alloc when memory runs out.
+FOUNDATION_EXPORT Explanation
+explain(const std::vector<common::session::MessageProtocolConfig>& configs,
+        const std::vector<common::session::MessageProtocolResolution>& resolutions);
+
+/// The same with the server's offers at hand, which tell an unknown protocol from a declined one and which
+/// values there are. Where offers and answer contradict each other (the server has changed since), the answer
+/// counts, and the sentences say so.
+/// @throws std::bad_alloc when memory runs out.
+FOUNDATION_EXPORT Explanation
+explain(const std::vector<common::session::MessageProtocolConfig>& configs,
+        const std::vector<common::session::MessageProtocolResolution>& resolutions, const Offers& offers);
+
+/// Whether a text for people is coloured, with the escape sequences of ANSI terminals.
+enum class Colour : std::uint8_t { Off, On };
+
+/// A table for people, a line for each protocol and for each feature: protocol, feature, asked, strength,
+/// offered, outcome, why. Columns are as wide as their texts need, counted in UTF-8 characters, but none is
+/// padded beyond 40. Control characters are written as escapes, so that no peer writes to the terminal.
+/// @throws std::bad_alloc when memory runs out.
+FOUNDATION_EXPORT std::string toText(const Explanation& explanation, Colour colour = Colour::Off);
+
+/// The explanation as one JSON object, {"protocols":[...],"unasked":[...]}: compact, members in the order of
+/// their names, versions as in the documents (an undefined one is null), enumerators by their names.
+/// @throws std::bad_alloc when memory runs out.
+FOUNDATION_EXPORT std::string toJSON(const Explanation& explanation);
+
+}  // namespace foundation::corvane::inspect

@@ -1,0 +1,228 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "foundation/corvane/inspect/Judgement.hpp"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+#include "foundation/corvane/common/session/featureNames.hpp"
+#include "foundation/corvane/common/uuid/Version.hpp"
+#include "foundation/corvane/inspect/matching.hpp"
+#include "foundation/corvane/inspect/printable.hpp"
+
+namespace foundation::corvane::inspect {
+
+using common::toString;
+using common::session::FeatureHandling;
+using common::session::FeatureRequest;
+using common::session::FeatureStatus;
+using common::session::MessageProtocolConfig;
+using common::session::MessageProtocolResolution;
+using common::session::undefinedVersion;
+using detail::Fate;
+using detail::FeatureMatch;
+using detail::ProtocolMatch;
+using detail::quoted;
+
+namespace {
+
+constexpr std::string_view incompatible =
+    "std::logic_error \"Incompatible message protocol versions requested\"";
+
+std::string strength(FeatureHandling handling) {
+  if (detail::isKnown(handling)) return common::session::detail::nameOf(handling);
+  return "asked for without a known handling";
+}
+
+// What a feature that has no success came to.
+std::string failure(const FeatureMatch& match) {
+  if (!match.first) return "not answered";
+  using enum FeatureStatus;
+  switch (match.first->status) {
+    case undefined:
+    case success:
+    case invalid_handling:
+      break;
+    case unsupported_error:
+    case unsupported_warning:
+      return "not offered";
+    case invalid_value_error:
+    case invalid_value_warning:
+      return "offered only with other values";
+  }
+  return std::string("answered with ") + common::session::detail::nameOf(match.first->status);
+}
+
+// How a protocol was lost.
+std::string loss(const ProtocolMatch& match) {
+  switch (match.fate) {
+    case Fate::Installed:
+    case Fate::Missing:
+      break;
+    case Fate::NoVersion:
+      return "it is asked for without a version";
+    case Fate::Versionless:
+      return "the answer has no version for it";
+    case Fate::Conflict:
+      return "it is asked for at " + toString(match.request->version) + ", and installed at " +
+             toString(match.installation->answer->version);
+  }
+  return match.installation->answer ? "its initializer declined" : "not offered, or its initializer declined";
+}
+
+class Judge {
+ public:
+  explicit Judge(Grounds refusals) : refusals_(refusals) {}
+
+  void judgeRequest(const ProtocolMatch& match) {
+    judgeProtocol(match);
+    for (std::size_t i = 0; i < match.request->features.size(); ++i) {
+      judgeFeature(match, match.request->features[i], match.features.requests[i]);
+    }
+  }
+
+  void judgeUnasked(const ProtocolMatch& match) {
+    if (!match.request) judgeUnaskedProtocol(match);
+    for (const auto& unasked : match.features.unasked) {
+      if (match.request) judgeUnaskedEntry(match, *unasked.entry);
+      if (unasked.contradicted) {
+        add(Ground::ContradictoryEntries, match.answer->name, unasked.entry->name,
+            "nobody asked for " + quoted(unasked.entry->message) +
+                ", and its statuses contradict each other");
+      }
+    }
+  }
+
+  Judgement judgement() && { return std::move(judgement_); }
+
+ private:
+  // Sentences stand alone in a log, so they name what they are about.
+  void add(Ground ground, const std::string& protocol, const std::string& feature, const std::string& what) {
+    const bool refuses = (refusals_ & static_cast<Grounds>(ground)) != 0;
+    auto sentence = "protocol " + quoted(protocol);
+    if (!feature.empty()) sentence += ", feature " + quoted(feature);
+    judgement_.reasons.push_back({ground, refuses, protocol, feature, sentence + ": " + what});
+    judgement_.verdict = std::max(judgement_.verdict, refuses ? Verdict::Refused : Verdict::Degraded);
+  }
+
+  void judgeProtocol(const ProtocolMatch& match) {
+    const auto& [request, answer, installation, fate, features] = match;
+    const auto asked = toString(request->version);
+    if (fate == Fate::Conflict) {
+      add(Ground::VersionConflict, request->name, {},
+          loss(match) + ": a server of this library throws " + std::string(incompatible));
+    } else if (fate != Fate::Installed) {
+      add(Ground::ProtocolLost, request->name, {}, "not installed: " + loss(match));
+    } else if (answer->version < request->version) {
+      add(Ground::OlderVersion, request->name, {}, versions(match, "older"));
+    } else if (answer->version > request->version) {
+      add(Ground::NewerVersion, request->name, {}, versions(match, "newer"));
+    }
+    judgeContradiction(match);
+  }
+
+  static std::string versions(const ProtocolMatch& match, std::string_view comparison) {
+    return "installed at " + toString(match.answer->version) + ", which is " + std::string(comparison) +
+           " than " + toString(match.request->version) + " as asked";
+  }
+
+  void judgeContradiction(const ProtocolMatch& match) {
+    if (!match.isContradicted()) return;
+    add(Ground::ContradictoryEntries, match.answer->name, {},
+        "answered with " + toString(match.installation->answer->version) + " and with " +
+            toString(match.answer->version) + ": the client throws " + std::string(incompatible));
+  }
+
+  void judgeFeature(const ProtocolMatch& protocol, const FeatureRequest& request, const FeatureMatch& match) {
+    const auto& name = protocol.request->name;
+    const auto asked = quoted(request.value) + " is " + strength(request.handling) + ", and ";
+    const bool isRequired = request.handling == FeatureHandling::required;
+    if (protocol.fate != Fate::Installed) {
+      if (isRequired) add(Ground::RequiredFailed, name, request.name, asked + "lost with the protocol");
+    } else if (!match.succeeded) {
+      add(isRequired ? Ground::RequiredFailed : Ground::WishFailed, name, request.name,
+          asked + failure(match));
+    } else {
+      judgeValue(protocol, request);
+    }
+    if (match.contradicted) {
+      add(Ground::ContradictoryEntries, name, request.name,
+          "the statuses of " + quoted(request.value) + " contradict each other");
+    }
+  }
+
+  void judgeValue(const ProtocolMatch& protocol, const FeatureRequest& request) {
+    const auto* value = protocol.installation->valueOf(request.name);
+    if (value && *value == request.value) return;
+    add(Ground::OtherValue, protocol.request->name, request.name,
+        quoted(request.value) + " is agreed, but " +
+            (value ? quoted(*value) + " counts, which was agreed before"
+                   : "an earlier answer for the protocol counts, which does not have the feature"));
+  }
+
+  void judgeUnaskedProtocol(const ProtocolMatch& match) {
+    if (match.answer->version == undefinedVersion) return;
+    add(Ground::UnaskedSuccess, match.answer->name, {},
+        "installed at " + toString(match.answer->version) + ", and nobody asked for it");
+    judgeContradiction(match);
+  }
+
+  void judgeUnaskedEntry(const ProtocolMatch& match, const common::session::FeatureResolution& entry) {
+    if (match.fate != Fate::Installed || entry.status != FeatureStatus::success) return;
+    add(Ground::UnaskedSuccess, match.answer->name, entry.name,
+        quoted(entry.message) + " is agreed, and nobody asked for it");
+  }
+
+  const Grounds refusals_;
+  Judgement judgement_;
+};
+
+}  // namespace
+
+// No default labels, so that the compiler names an enumerator that is missing here.
+const char* toCString(Ground ground) noexcept {
+  switch (ground) {
+    case Ground::RequiredFailed:
+      return "RequiredFailed";
+    case Ground::WishFailed:
+      return "WishFailed";
+    case Ground::ProtocolLost:
+      return "ProtocolLost";
+    case Ground::OlderVersion:
+      return "OlderVersion";
+    case Ground::NewerVersion:
+      return "NewerVersion";
+    case Ground::UnaskedSuccess:
+      return "UnaskedSuccess";
+    case Ground::OtherValue:
+      return "OtherValue";
+    case Ground::VersionConflict:
+      return "VersionConflict";
+    case Ground::ContradictoryEntries:
+      return "ContradictoryEntries";
+  }
+  return "";
+}
+
+const char* toCString(Verdict verdict) noexcept {
+  switch (verdict) {
+    case Verdict::Agreed:
+      return "Agreed";
+    case Verdict::Degraded:
+      return "Degraded";
+    case Verdict::Refused:
+      return "Refused";
+  }
+  return "";
+}
+
+Judgement judge(const std::vector<MessageProtocolConfig>& configs,
+                const std::vector<MessageProtocolResolution>& resolutions, Grounds refusals) {
+  const auto matching = detail::match(configs, resolutions);
+  Judge judge(refusals);
+  for (std::size_t i = 0; i < configs.size(); ++i) judge.judgeRequest(matching.matches[i]);
+  for (const auto position : matching.ofAnswers) judge.judgeUnasked(matching.matches[position]);
+  return std::move(judge).judgement();
+}
+
+}  // namespace foundation::corvane::inspect

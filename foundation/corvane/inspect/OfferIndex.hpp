@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <map>
+#include <set>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "foundation/corvane/inspect/Offers.hpp"
+
+// Not installed: offers by name. Refers to the offers that it was made from.
+namespace foundation::corvane::inspect::detail {
+
+/// What is offered of one protocol.
+class OfferedProtocol {
+ public:
+  explicit OfferedProtocol(const ProtocolOffer& offer) {
+    for (const auto& [name, value, handling] : offer.features) {
+      if (!pairs_.emplace(name, value).second) continue;
+      auto& values = values_[name];
+      if (values.empty()) names_.push_back(name);
+      values.push_back(value);
+    }
+  }
+
+  /// The features, each once, in order.
+  const std::vector<std::string_view>& names() const { return names_; }
+
+  /// The values of the feature, each once, in order.
+  const std::vector<std::string_view>& values(std::string_view feature) const {
+    static const std::vector<std::string_view> none;
+    const auto place = values_.find(feature);
+    return place == values_.end() ? none : place->second;
+  }
+
+  bool has(std::string_view feature, std::string_view value) const {
+    return pairs_.contains({feature, value});
+  }
+
+ private:
+  std::vector<std::string_view> names_;
+  std::map<std::string_view, std::vector<std::string_view>> values_;
+  std::set<std::pair<std::string_view, std::string_view>> pairs_;
+};
+
+/// What is offered. Of offers of equal name the first counts.
+class OfferIndex {
+ public:
+  explicit OfferIndex(const Offers& offers) {
+    for (const auto& offer : offers.protocols) {
+      if (protocols_.contains(offer.name)) continue;
+      names_.push_back(offer.name);
+      protocols_.emplace(offer.name, offer);
+    }
+  }
+
+  /// The protocols, each once, in order.
+  const std::vector<std::string_view>& names() const { return names_; }
+
+  /// Null if the protocol is not offered.
+  const OfferedProtocol* find(std::string_view protocol) const {
+    const auto place = protocols_.find(protocol);
+    return place == protocols_.end() ? nullptr : &place->second;
+  }
+
+ private:
+  std::vector<std::string_view> names_;
+  std::map<std::string_view, OfferedProtocol> protocols_;
+};
+
+}  // namespace foundation::corvane::inspect::detail

@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "foundation/corvane/inspect/diagnose.hpp"
+
+#include <utility>
+
+#include "foundation/corvane/inspect/Reporter.hpp"
+#include "foundation/corvane/inspect/Scout.hpp"
+#include "foundation/corvane/inspect/offersDecoder.hpp"
+#include "foundation/corvane/inspect/sentences.hpp"
+
+namespace foundation::corvane::inspect {
+
+namespace {
+
+using json::Reader;
+using json::Token;
+
+/// Whether the text is one JSON object; if not, that is the only finding.
+bool isObject(std::string_view text, const FindingVisitor& visit) {
+  Reader reader(text);
+  const bool object = reader.next() == Token::ObjectBegin;
+  const auto found = object ? std::string() : detail::describe(reader);
+  bool afterEnd = false;
+  while (reader.token() != Token::End && reader.token() != Token::Error) {
+    reader.skip();
+    afterEnd = reader.depth() == 0 && reader.token() != Token::Error;
+    reader.next();
+  }
+  if (object && reader.token() == Token::End) return true;
+
+  Finding finding;
+  detail::Place place;
+  if (reader.token() == Token::Error) {
+    place = detail::Places(text).at(reader.offset());
+    finding.message = detail::syntaxError(reader, text, afterEnd);
+  } else {
+    finding.rule = Rule::NotAnObject;
+    finding.message = "the document is " + found + " and should be an object";
+  }
+  finding.message += ": the whole document counts as empty";
+  finding.offset = place.offset;
+  finding.line = place.line;
+  finding.column = place.column;
+  visit(finding);
+  return false;
+}
+
+template <class Observer>
+void read(Document document, std::string_view text, Observer& observer) {
+  Reader reader(text);
+  reader.next();
+  switch (document) {
+    case Document::ProtocolConfigs: {
+      std::vector<common::session::MessageProtocolConfig> configs;
+      common::session::detail::readDocument(reader, observer, configs);
+      break;
+    }
+    case Document::ProtocolResolutions: {
+      std::vector<common::session::MessageProtocolResolution> resolutions;
+      common::session::detail::readDocument(reader, observer, resolutions);
+      break;
+    }
+    case Document::ProtocolOffers: {
+      Offers offers;
+      detail::readOffers(reader, observer, offers);
+      break;
+    }
+  }
+}
+
+}  // namespace
+
+void diagnose(Document document, std::string_view text, const FindingVisitor& visit) {
+  if (!isObject(text, visit)) return;
+  detail::Scout scout;
+  read(document, text, scout);
+  detail::Reporter reporter(text, scout.fates(), visit);
+  try {
+    read(document, text, reporter);
+  } catch (const detail::Enough&) {
+    // What is left of the text does not matter to anybody.
+  }
+}
+
+void diagnose(std::string_view text, const FindingVisitor& visit) {
+  diagnose(documentOf(text).value_or(Document::ProtocolConfigs), text, visit);
+}
+
+std::vector<Finding> diagnose(Document document, std::string_view text) {
+  std::vector<Finding> findings;
+  diagnose(document, text, [&](const Finding& finding) {
+    findings.push_back(finding);
+    return true;
+  });
+  return findings;
+}
+
+std::vector<Finding> diagnose(std::string_view text) {
+  return diagnose(documentOf(text).value_or(Document::ProtocolConfigs), text);
+}
+
+}  // namespace foundation::corvane::inspect

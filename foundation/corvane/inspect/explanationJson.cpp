@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "foundation/corvane/inspect/Explanation.hpp"
+
+#include "foundation/corvane/common/session/featureNames.hpp"
+#include "foundation/json/serialize.hpp"
+
+namespace foundation::corvane::inspect {
+
+using common::session::undefinedVersion;
+using common::session::detail::nameOf;
+
+namespace {
+
+template <class Elements, class Append>
+void appendArray(std::string& out, const Elements& elements, const Append& append) {
+  out += '[';
+  for (const auto& element : elements) {
+    if (&element != &elements.front()) out += ',';
+    append(out, element);
+  }
+  out += ']';
+}
+
+// Begins with a comma or a brace, as the name has it.
+void appendMember(std::string& out, std::string_view start, std::string_view text) {
+  out += start;
+  json::appendQuoted(out, text);
+}
+
+void appendVersion(std::string& out, const std::pair<unsigned, unsigned>& version) {
+  if (version == undefinedVersion) {
+    out += "null";
+    return;
+  }
+  out += "{\"major\":" + std::to_string(version.first) + ",\"minor\":" + std::to_string(version.second) + '}';
+}
+
+void appendFeature(std::string& out, const FeatureExplanation& feature) {
+  appendMember(out, R"({"handling":)", nameOf(feature.handling));
+  appendMember(out, R"(,"name":)", feature.name);
+  out += R"(,"offered":)";
+  appendArray(out, feature.offered, json::appendQuoted);
+  appendMember(out, R"(,"outcome":)", toCString(feature.outcome));
+  appendMember(out, R"(,"status":)", nameOf(feature.status));
+  appendMember(out, R"(,"value":)", feature.value);
+  appendMember(out, R"(,"why":)", feature.why);
+  out += '}';
+}
+
+void appendProtocol(std::string& out, const ProtocolExplanation& protocol) {
+  out += R"({"answered":)";
+  appendVersion(out, protocol.answered);
+  out += R"(,"asked":)";
+  appendVersion(out, protocol.asked);
+  out += R"(,"features":)";
+  appendArray(out, protocol.features, appendFeature);
+  appendMember(out, R"(,"name":)", protocol.name);
+  appendMember(out, R"(,"outcome":)", toCString(protocol.outcome));
+  appendMember(out, R"(,"why":)", protocol.why);
+  out += '}';
+}
+
+void appendUnasked(std::string& out, const UnaskedAnswer& unasked) {
+  appendMember(out, R"({"feature":)", unasked.feature);
+  out += R"(,"isFeature":)";
+  out += unasked.isFeature ? "true" : "false";
+  appendMember(out, R"(,"protocol":)", unasked.protocol);
+  appendMember(out, R"(,"status":)", nameOf(unasked.status));
+  appendMember(out, R"(,"value":)", unasked.value);
+  out += R"(,"version":)";
+  appendVersion(out, unasked.version);
+  appendMember(out, R"(,"why":)", unasked.why);
+  out += '}';
+}
+
+}  // namespace
+
+std::string toJSON(const Explanation& explanation) {
+  std::string out = R"({"protocols":)";
+  appendArray(out, explanation.protocols, appendProtocol);
+  out += R"(,"unasked":)";
+  appendArray(out, explanation.unasked, appendUnasked);
+  out += '}';
+  return out;
+}
+
+}  // namespace foundation::corvane::inspect

@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "foundation/corvane/inspect/Explanation.hpp"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+#include "foundation/corvane/common/session/featureNames.hpp"
+#include "foundation/corvane/common/uuid/Version.hpp"
+#include "foundation/corvane/inspect/printable.hpp"
+
+namespace foundation::corvane::inspect {
+
+using common::session::FeatureHandling;
+using common::session::undefinedVersion;
+
+namespace {
+
+enum Column : std::size_t { ProtocolName, FeatureName, Asked, Strength, Offered, Outcome, Why, columnCount };
+
+constexpr std::string_view green = "\x1b[32m";
+constexpr std::string_view yellow = "\x1b[33m";
+constexpr std::string_view red = "\x1b[31m";
+constexpr std::string_view plain = "\x1b[0m";
+
+struct Row {
+  std::array<std::string, columnCount> cells;
+  std::string_view colour;  // of the outcome
+};
+
+// An empty text, or one with blanks at its ends, would not be seen in a table.
+std::string cell(const std::string& text) {
+  if (text.empty() || text.front() == ' ' || text.back() == ' ') return detail::quoted(text, text.size());
+  return detail::printable(text);
+}
+
+std::string cell(const std::pair<unsigned, unsigned>& version) {
+  return version == undefinedVersion ? std::string("none") : common::toString(version);
+}
+
+// The sentences tell more where it matters.
+std::string cell(const std::vector<std::string>& values) {
+  constexpr std::size_t most = 5;
+  std::string list;
+  for (std::size_t i = 0; i < std::min(values.size(), most); ++i) {
+    if (i > 0) list += ", ";
+    list += cell(values[i]);
+  }
+  return values.size() > most ? list + ", ..." : list;
+}
+
+std::string_view colourOf(ProtocolOutcome outcome) {
+  switch (outcome) {
+    case ProtocolOutcome::Agreed:
+      return green;
+    case ProtocolOutcome::OlderVersion:
+    case ProtocolOutcome::NewerVersion:
+      return yellow;
+    case ProtocolOutcome::NoVersion:
+    case ProtocolOutcome::Unreadable:
+    case ProtocolOutcome::Unknown:
+    case ProtocolOutcome::Declined:
+    case ProtocolOutcome::UnknownOrDeclined:
+    case ProtocolOutcome::VersionConflict:
+    case ProtocolOutcome::Undefined:
+      break;
+  }
+  return red;
+}
+
+std::string_view colourOf(const FeatureExplanation& feature) {
+  if (feature.outcome == FeatureOutcome::Accepted) return green;
+  if (feature.outcome == FeatureOutcome::ProtocolLost) return red;
+  return feature.handling == FeatureHandling::required ? red : yellow;
+}
+
+Row rowOf(const ProtocolExplanation& protocol) {
+  const auto offered = protocol.answered == undefinedVersion ? std::string() : cell(protocol.answered);
+  return {
+      {cell(protocol.name), "", cell(protocol.asked), "", offered, toCString(protocol.outcome), protocol.why},
+      colourOf(protocol.outcome)};
+}
+
+Row rowOf(const ProtocolExplanation& protocol, const FeatureExplanation& feature) {
+  return {{cell(protocol.name), cell(feature.name), cell(feature.value),
+           common::session::detail::nameOf(feature.handling), cell(feature.offered),
+           toCString(feature.outcome), feature.why},
+          colourOf(feature)};
+}
+
+Row rowOf(const UnaskedAnswer& unasked) {
+  return {{cell(unasked.protocol), unasked.isFeature ? cell(unasked.feature) : "", "", "",
+           unasked.isFeature ? cell(unasked.value) : cell(unasked.version), "unasked", unasked.why},
+          yellow};
+}
+
+std::vector<Row> rowsOf(const Explanation& explanation) {
+  std::vector<Row> rows{{{"protocol", "feature", "asked", "strength", "offered", "outcome", "why"}, {}}};
+  for (const auto& protocol : explanation.protocols) {
+    rows.push_back(rowOf(protocol));
+    for (const auto& feature : protocol.features) rows.push_back(rowOf(protocol, feature));
+  }
+  for (const auto& unasked : explanation.unasked) rows.push_back(rowOf(unasked));
+  return rows;
+}
+
+// In UTF-8 characters.
+std::size_t widthOf(std::string_view text) {
+  const auto begins = [](char c) { return (static_cast<unsigned char>(c) & 0xc0U) != 0x80; };
+  return static_cast<std::size_t>(std::ranges::count_if(text, begins));
+}
+
+std::array<std::size_t, columnCount> widthsOf(const std::vector<Row>& rows) {
+  constexpr std::size_t most = 40;
+  std::array<std::size_t, columnCount> widths{};
+  for (const auto& row : rows) {
+    for (std::size_t i = 0; i < columnCount; ++i) {
+      widths[i] = std::min(most, std::max(widths[i], widthOf(row.cells[i])));
+    }
+  }
+  return widths;
+}
+
+void appendRow(std::string& out, const Row& row, const std::array<std::size_t, columnCount>& widths,
+               Colour colour) {
+  for (std::size_t i = 0; i < Why; ++i) {
+    const auto& text = row.cells[i];
+    const bool isColoured = colour == Colour::On && i == Outcome && !row.colour.empty();
+    if (isColoured) out += row.colour;
+    out += text;
+    if (isColoured) out += plain;
+    out.append(widths[i] - std::min(widths[i], widthOf(text)) + 2, ' ');
+  }
+  out += row.cells[Why];
+  out += '\n';
+}
+
+}  // namespace
+
+std::string toText(const Explanation& explanation, Colour colour) {
+  if (explanation.protocols.empty() && explanation.unasked.empty()) {
+    return "No protocol was asked for, and the answer has none.\n";
+  }
+  const auto rows = rowsOf(explanation);
+  const auto widths = widthsOf(rows);
+  std::string out;
+  for (const auto& row : rows) appendRow(out, row, widths, colour);
+  return out;
+}
+
+}  // namespace foundation::corvane::inspect
