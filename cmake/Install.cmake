@@ -14,7 +14,7 @@ install(TARGETS corvane_common
   EXPORT corvane_commonTargets
   FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(EXPORT corvane_commonTargets NAMESPACE corvane:: DESTINATION ${package_dir})
-foreach(component IN ITEMS inspect)
+foreach(component IN ITEMS inspect testing)
   install(TARGETS corvane_${component}
     EXPORT corvane_${component}Targets
     FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
@@ -38,7 +38,7 @@ if(boost_log_type STREQUAL "SHARED_LIBRARY")
 endif()
 file(RELATIVE_PATH pkgconfig_to_prefix
   ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
-foreach(name IN ITEMS foundation corvane_common corvane_inspect)
+foreach(name IN ITEMS foundation corvane_common corvane_inspect corvane_testing)
   configure_file(cmake/${name}.pc.in ${name}.pc @ONLY)
   install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${name}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 endforeach()
