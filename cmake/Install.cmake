@@ -12,7 +12,8 @@ install(TARGETS foundation
 install(EXPORT foundationTargets NAMESPACE foundation:: DESTINATION ${package_dir})
 install(TARGETS corvane_common
   EXPORT corvane_commonTargets
-  FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+  FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+  FILE_SET opt_in DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(EXPORT corvane_commonTargets NAMESPACE corvane:: DESTINATION ${package_dir})
 foreach(component IN ITEMS inspect testing)
   install(TARGETS corvane_${component}
