@@ -10,6 +10,7 @@
 
 #include "foundation/corvane/common/serialization/IDText.hpp"
 #include "foundation/corvane/common/uuid/Version.hpp"
+#include "foundation/corvane/common/uuid/uuid.hpp"
 #include "protocols/MessageSerializer.hpp"
 #include "protocols/progress.hpp"
 #include "protocols/transfer.hpp"
@@ -21,9 +22,7 @@ namespace {
 
 using foundation::corvane::common::toString;
 using session::FeatureHandling;
-using session::FeatureStatus;
 using session::MessageProtocolConfig;
-using session::MessageProtocolResolution;
 
 const char* wordFor(FeatureHandling handling) {
   switch (handling) {
@@ -48,43 +47,6 @@ std::map<std::string, std::string> valuesByName(const std::vector<session::Featu
     joined += feature.value;
   }
   return values;
-}
-
-const MessageProtocolConfig* findOffer(const std::vector<MessageProtocolConfig>& offers,
-                                       const std::string& name) {
-  const auto found = std::ranges::find(offers, name, &MessageProtocolConfig::name);
-  return found == offers.end() ? nullptr : &*found;
-}
-
-std::string reasonFor(const session::FeatureResolution& resolution, const MessageProtocolConfig* offer) {
-  const auto offered = offer == nullptr ? std::string() : valuesByName(offer->features)[resolution.name];
-  switch (resolution.status) {
-    case FeatureStatus::success:
-      return "";
-    case FeatureStatus::unsupported_error:
-    case FeatureStatus::unsupported_warning:
-      return ": the server does not offer it";
-    case FeatureStatus::invalid_value_error:
-    case FeatureStatus::invalid_value_warning:
-      return ": the server offers " + offered;
-    case FeatureStatus::invalid_handling:
-    case FeatureStatus::undefined:
-      break;
-  }
-  return ": an answer without a meaning";
-}
-
-void describeAnswer(std::ostream& os, const MessageProtocolConfig& request,
-                    const MessageProtocolConfig* offer, const MessageProtocolResolution& answer) {
-  os << "  " << answer.name << ' ' << toString(answer.version);
-  if (answer.version != request.version) {
-    os << ", not " << toString(request.version) << ": the server knows nothing newer";
-  }
-  os << '\n';
-  for (const auto& resolution : answer.resolutions) {
-    os << "    " << std::left << std::setw(28) << resolution.name + " = " + resolution.message
-       << toString(resolution.status) << reasonFor(resolution, offer) << '\n';
-  }
 }
 
 }  // namespace
@@ -126,11 +88,11 @@ std::string describeRequests(const std::vector<MessageProtocolConfig>& requests)
   return os.str();
 }
 
-std::string describeOffers(const std::vector<MessageProtocolConfig>& offers) {
+std::string describeOffers(const inspect::Offers& offers) {
   std::ostringstream os;
   os << "offered by the server\n";
-  for (const auto& offer : offers) {
-    os << "  " << offer.name << " up to " << toString(offer.version) << '\n';
+  for (const auto& offer : offers.protocols) {
+    os << "  " << offer.name << '\n';
     for (const auto& [name, values] : valuesByName(offer.features)) {
       os << "    " << name << " = " << values << '\n';
     }
@@ -138,24 +100,8 @@ std::string describeOffers(const std::vector<MessageProtocolConfig>& offers) {
   return os.str();
 }
 
-std::string describeOutcome(const std::vector<MessageProtocolConfig>& requests,
-                            const std::vector<MessageProtocolConfig>& offers,
-                            const std::vector<MessageProtocolResolution>& answers) {
-  std::ostringstream os;
-  os << "agreed\n";
-  for (const auto& request : requests) {
-    const auto* offer = findOffer(offers, request.name);
-    const auto answer = std::ranges::find(answers, request.name, &MessageProtocolResolution::name);
-    if (answer != answers.end()) {
-      describeAnswer(os, request, offer, *answer);
-    } else if (offer != nullptr) {
-      os << "  no " << request.name << ": the server knows " << toString(offer->version) << ", not "
-         << toString(request.version) << '\n';
-    } else {
-      os << "  no " << request.name << ": the server does not know it\n";
-    }
-  }
-  return os.str();
+std::string describeOutcome(const inspect::Explanation& explanation) {
+  return "agreed, and why not more\n" + toText(explanation);
 }
 
 std::string describeRegistry(const serialization::Registry& registry) {
@@ -180,9 +126,11 @@ std::string describeRegistry(const serialization::Registry& registry) {
   return os.str();
 }
 
-std::string describeSummaries(const std::string& ours, const std::string& theirs) {
-  if (ours == theirs) return "in both registries: " + ours + '\n';
-  return "in this registry: " + ours + "\nin the peer's:    " + theirs + '\n';
+std::string describeFingerprints(const boost::uuids::uuid& ours, const boost::uuids::uuid& theirs) {
+  using foundation::corvane::common::uuid::toString;
+  return "fingerprint of this registry   " + toString(ours) + "\nfingerprint of the peer's      " +
+         toString(theirs) +
+         (ours == theirs ? "\nthe two ends speak the same\n" : "\nthe two ends do not speak the same\n");
 }
 
 std::string describeTraffic(const Traffic& traffic) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <boost/uuid/uuid.hpp>
 #include <chrono>
 #include <cstdint>
 #include <string>
@@ -9,7 +10,8 @@
 #include "foundation/corvane/common/serialization/Registry.hpp"
 #include "foundation/corvane/common/session/ConnectionType.hpp"
 #include "foundation/corvane/common/session/MessageProtocolConfig.hpp"
-#include "foundation/corvane/common/session/MessageProtocolResolution.hpp"
+#include "foundation/corvane/inspect/Explanation.hpp"
+#include "foundation/corvane/inspect/Offers.hpp"
 #include "names.hpp"
 
 // What people get to see.
@@ -36,15 +38,15 @@ std::string printable(std::string text);
 
 std::string describeSession(const Hello& self, const Hello& peer, session::ConnectionType kind);
 std::string describeRequests(const std::vector<session::MessageProtocolConfig>& requests);
-std::string describeOffers(const std::vector<session::MessageProtocolConfig>& offers);
+std::string describeOffers(const inspect::Offers& offers);
 
-/// What was agreed, and why not more.
-std::string describeOutcome(const std::vector<session::MessageProtocolConfig>& requests,
-                            const std::vector<session::MessageProtocolConfig>& offers,
-                            const std::vector<session::MessageProtocolResolution>& answers);
+/// What became of each request, and why.
+std::string describeOutcome(const inspect::Explanation& explanation);
 
 std::string describeRegistry(const serialization::Registry& registry);
-std::string describeSummaries(const std::string& ours, const std::string& theirs);
+
+/// The fingerprints of the agreements of the two ends, and whether they are equal.
+std::string describeFingerprints(const boost::uuids::uuid& ours, const boost::uuids::uuid& theirs);
 
 /// How much went over the wire, and how fast.
 struct Traffic {

@@ -15,6 +15,7 @@
 #include "session/Conversation.hpp"
 #include "session/Hello.hpp"
 #include "session/MessageChannel.hpp"
+#include "session/keep.hpp"
 #include "session/negotiation.hpp"
 
 namespace transfer {
@@ -111,7 +112,10 @@ void checkReceipt(const Receipt& receipt, Receipt expected) {
 }  // namespace
 
 Errand prepare(const ClientOptions& options) {
-  return {options.file, openToSend(options.file), makeRequests(options), options.knows};
+  Errand errand{options.file, openToSend(options.file), makeRequests(options), options.knows, options.keep};
+  // Last: the requests may come from what was kept in the same folder.
+  if (!errand.keep.empty()) prepareFolder(errand.keep);
+  return errand;
 }
 
 void runClient(Connection& connection, Errand errand, session::ConnectionType kind) {
@@ -125,7 +129,7 @@ void runClient(Connection& connection, Errand errand, session::ConnectionType ki
     auto self = introduce(*protocols, kind);
     const auto peer = sayHello(conversation, self);
     report.print(describeSession(self, peer, kind));
-    const auto registry = negotiateAsClient(conversation, protocols, errand.requests, report);
+    const auto registry = negotiateAsClient(conversation, protocols, errand.requests, report, errand.keep);
 
     MessageChannel channel(connection, registry);
     const auto settings = toTransferSettings(registry->installedConfiguration(transferProtocol));

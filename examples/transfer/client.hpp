@@ -18,6 +18,7 @@ struct Errand {
   std::ifstream file;
   Requests requests;
   Version knows;
+  std::string keep;  ///< the folder for the documents of the negotiation; empty for none
 };
 
 /// Checks all that can be checked without a server.

@@ -9,6 +9,7 @@
 namespace foundation::corvane::common::framing {}
 namespace foundation::corvane::common::serialization {}
 namespace foundation::corvane::common::session {}
+namespace foundation::corvane::inspect {}
 namespace foundation::json {}
 
 namespace transfer {
@@ -16,6 +17,7 @@ namespace transfer {
 namespace framing = foundation::corvane::common::framing;
 namespace serialization = foundation::corvane::common::serialization;
 namespace session = foundation::corvane::common::session;
+namespace inspect = foundation::corvane::inspect;
 namespace json = foundation::json;
 
 using Version = std::pair<unsigned, unsigned>;                       ///< major, minor

@@ -49,7 +49,9 @@ po::options_description clientOptions() {
       "require", po::value<Texts>()->composing(),
       "refuse to go on without it: NAME=VALUE, a feature of Transfer, or the name of a protocol; repeatable")(
       "protocols", po::value<std::string>(), "a JSON document with the requests, in place of the usual ones")(
-      "client-knows", po::value<std::string>(), "the newest version of Transfer that it knows (1.3)");
+      "client-knows", po::value<std::string>(), "the newest version of Transfer that it knows (1.3)")(
+      "keep", po::value<std::string>(),
+      "keep request.json, answer.json and offers.json of the negotiation in this folder, in place of others");
   return options;
 }
 
@@ -129,6 +131,7 @@ ClientOptions readClient(const po::variables_map& values) {
   ClientOptions options;
   options.file = text(values, "FILE");
   options.protocolsFile = text(values, "protocols");
+  options.keep = text(values, "keep");
   if (values.count("compression") != 0) options.compression = toCompression(text(values, "compression"));
   if (values.count("require") != 0) options.require = values["require"].as<Texts>();
   if (values.count("client-knows") != 0) options.knows = toVersion(text(values, "client-knows"));

@@ -20,6 +20,7 @@ struct ClientOptions {
   std::vector<std::string> require;        ///< features NAME=VALUE of Transfer, or names of protocols
   std::string protocolsFile;               ///< with the requests; the usual ones if empty
   Version knows{1, 3};                     ///< the newest version of Transfer
+  std::string keep;  ///< where to keep the documents of the negotiation; nowhere if empty
 };
 
 struct ServerOptions {

@@ -123,16 +123,6 @@ Arrival receiveFile(MessageChannel& channel, const serialization::Registry& regi
   return arrival;
 }
 
-std::vector<session::MessageProtocolConfig> offersOf(const serialization::ProtocolRegistry& protocols,
-                                                     const Version& transferVersion) {
-  std::vector<session::MessageProtocolConfig> offers;
-  for (const auto& name : protocols.protocolNames()) {
-    offers.emplace_back(name, name == transferProtocol ? transferVersion : progressVersion,
-                        protocols.getAvailableFeatures(name));
-  }
-  return offers;
-}
-
 }  // namespace
 
 void runServer(Connection& connection, const ServerOptions& options, session::ConnectionType kind) {
@@ -146,8 +136,7 @@ void runServer(Connection& connection, const ServerOptions& options, session::Co
     auto self = introduce(*protocols, kind);
     const auto peer = sayHello(conversation, self);
     report.print(describeSession(self, peer, kind));
-    const auto registry =
-        negotiateAsServer(conversation, protocols, offersOf(*protocols, options.knows), report);
+    const auto registry = negotiateAsServer(conversation, protocols, report);
 
     MessageChannel channel(connection, registry);
     const auto start = Clock::now();

@@ -143,16 +143,14 @@ void registerTransfer(serialization::ProtocolRegistry& protocols, const Version&
     return std::pair(installed, configuration);
   };
 
-  // One entry for each value that a feature may have. How strongly a client asks means nothing in an offer;
-  // `optional` makes it one that can be written into a document.
-  using enum session::FeatureHandling;
+  // One entry for each value that a feature may have.
   std::vector<session::FeatureRequest> features;
   for (const auto compression : compressions) {
-    features.push_back({"compression", toString(compression), optional});
+    features.push_back({"compression", toString(compression)});
   }
-  features.push_back({"chunk", "65536", optional});
-  features.push_back({"chunk", std::to_string(largestChunk), optional});
-  features.push_back({"endName", "on", optional});
+  features.push_back({"chunk", "65536"});
+  features.push_back({"chunk", std::to_string(largestChunk)});
+  features.push_back({"endName", "on"});
   protocols.registerProtocolInitializer(transferProtocol, install, features);
 }
 

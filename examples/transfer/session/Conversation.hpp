@@ -12,10 +12,10 @@ namespace transfer {
 /// The documents by which two ends come to an agreement; the number is the message identifier of their frame.
 enum class Document : std::uint64_t {
   hello = 1,      ///< Who is there.
-  offers = 2,     ///< What the server offers, for people: nothing is decided by it.
+  offers = 2,     ///< What the server offers, to explain the rest: nothing is decided by it.
   requests = 3,   ///< What the client asks for.
   answers = 4,    ///< What the server agrees to.
-  agreement = 5,  ///< What an end has in its registry.
+  agreement = 5,  ///< The fingerprint of what an end has in its registry.
   refusal = 6,    ///< Why there will be no agreement. May come at any time, and is the last frame.
 };
 

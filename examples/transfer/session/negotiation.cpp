@@ -6,8 +6,10 @@
 
 #include "foundation/corvane/common/session/TransportSetup.hpp"
 #include "foundation/corvane/common/uuid/Version.hpp"
-#include "foundation/json.hpp"
+#include "foundation/corvane/common/uuid/uuid.hpp"
+#include "foundation/corvane/inspect.hpp"
 #include "protocols/transfer.hpp"
+#include "session/keep.hpp"
 
 namespace transfer {
 
@@ -21,6 +23,7 @@ using session::MessageProtocolConfig;
 using session::MessageProtocolResolution;
 
 using foundation::corvane::common::toString;
+using foundation::corvane::common::uuid::toString;
 
 // Nothing of an answer is fatal to the library. What is too little for us, or too much, is for us to say:
 // these are the objections of one who minds.
@@ -72,20 +75,11 @@ void checkAnswers(const Requests& requests, const std::vector<MessageProtocolRes
   }
 }
 
-// What a registry records, in a form in which equal registries have equal texts.
-std::string summaryOf(const serialization::Registry& registry) {
-  json::Object protocols;
-  for (const auto& name : registry.protocols()) {
-    json::Object configuration;
-    for (const auto& [feature, value] : registry.installedConfiguration(name)) configuration[feature] = value;
-    protocols[name] = json::Object{{"version", toString(registry.installedProtocol(name))},
-                                   {"configuration", std::move(configuration)}};
-  }
-  return json::serialize(protocols);
-}
-
-void compareSummaries(const std::string& ours, const std::string& theirs, const Report& report) {
-  report.print(describeSummaries(ours, theirs));
+// The two ends installed what they agreed on each for itself. Only now does anybody know whether they have
+// the same.
+void compareFingerprints(const boost::uuids::uuid& ours, const std::string& text, const Report& report) {
+  const auto theirs = foundation::corvane::common::uuid::toUUID(text);
+  report.print(describeFingerprints(ours, theirs));
   if (ours != theirs) throw std::runtime_error("the registries of the two ends differ");
 }
 
@@ -93,28 +87,36 @@ void compareSummaries(const std::string& ours, const std::string& theirs, const 
 
 std::shared_ptr<serialization::Registry> negotiateAsClient(
     Conversation& conversation, const std::shared_ptr<serialization::ProtocolRegistry>& protocols,
-    const Requests& requests, const Report& report) {
-  const auto offers = session::toConfigs(conversation.hear(Document::offers));
+    const Requests& requests, const Report& report, const std::string& folder) {
+  const auto offersText = conversation.hear(Document::offers);
+  keep(folder, "offers", offersText);
 
   report.print(describeRequests(requests.protocols));
-  conversation.say(Document::requests, toJSON(requests.protocols));
-  const auto answers = session::toResolutions(conversation.hear(Document::answers));
-  report.print(describeOffers(offers) + describeOutcome(requests.protocols, offers, answers));
+  const auto requestText = toJSON(requests.protocols);
+  keep(folder, "request", requestText);
+  conversation.say(Document::requests, requestText);
+  const auto answerText = conversation.hear(Document::answers);
+  keep(folder, "answer", answerText);
+
+  const auto offers = inspect::toOffers(offersText);
+  const auto answers = session::toResolutions(answerText);
+  report.print(describeOffers(offers) + describeOutcome(explain(requests.protocols, answers, offers)));
   checkAnswers(requests, answers);
 
   auto registry = serialization::Registry::create(protocols->softwareName());
   handleProtocolResolutions(protocols, answers, registry);
   registry->close();
   report.print(describeRegistry(*registry));
-  const auto summary = summaryOf(*registry);
-  conversation.say(Document::agreement, summary);
-  compareSummaries(summary, conversation.hear(Document::agreement), report);
+  const auto ours = fingerprint(inspect::agreement(*registry));
+  conversation.say(Document::agreement, toString(ours));
+  compareFingerprints(ours, conversation.hear(Document::agreement), report);
   return registry;
 }
 
 std::shared_ptr<serialization::Registry> negotiateAsServer(
     Conversation& conversation, const std::shared_ptr<serialization::ProtocolRegistry>& protocols,
-    const std::vector<MessageProtocolConfig>& offers, const Report& report) {
+    const Report& report) {
+  const auto offers = inspect::offersOf(*protocols);
   conversation.say(Document::offers, toJSON(offers));
 
   const auto requests = session::toConfigs(conversation.hear(Document::requests));
@@ -125,12 +127,12 @@ std::shared_ptr<serialization::Registry> negotiateAsServer(
   const auto answers = resolveProtocolRequests(protocols, requests, registry);
   registry->close();
   conversation.say(Document::answers, toJSON(answers));
-  report.print(describeOutcome(requests, offers, answers) + describeRegistry(*registry));
+  report.print(describeOutcome(explain(requests, answers, offers)) + describeRegistry(*registry));
   // Hears first: should the client object to the answers, this is where its reason comes.
   const auto theirs = conversation.hear(Document::agreement);
-  const auto summary = summaryOf(*registry);
-  conversation.say(Document::agreement, summary);
-  compareSummaries(summary, theirs, report);
+  const auto ours = fingerprint(inspect::agreement(*registry));
+  conversation.say(Document::agreement, toString(ours));
+  compareFingerprints(ours, theirs, report);
   return registry;
 }
 

@@ -204,7 +204,7 @@ TEST_F(HostileClient, HasAnotherRegistry) {
   conversation.say(Document::requests,
                    R"({"protocolConfigs":[{"name":"Transfer","version":{"major":1,"minor":0}}]})");
   conversation.hear(Document::answers);
-  conversation.say(Document::agreement, R"({"Transfer":{"configuration":{},"version":"1.1"}})");
+  conversation.say(Document::agreement, "0f1e2d3c-4b5a-5978-8695-a4b3c2d1e0ff");
 
   EXPECT_THAT(outcome(), FailedWith("the registries of the two ends differ"));
 }

@@ -27,8 +27,7 @@ namespace {
 
 using enum framing::DomainType;
 
-constexpr auto usualOffer =
-    R"({"protocolConfigs":[{"name":"Transfer","version":{"major":1,"minor":2},"features":[]}]})";
+constexpr auto usualOffer = R"({"protocolOffers":[{"name":"Transfer","features":[]}]})";
 
 // A client that has come to send us a file larger than any socket holds, and our connection to it.
 class HostileServer : public testing::Test {
@@ -73,7 +72,7 @@ class HostileServer : public testing::Test {
     registerTransfer(*protocols_, {1, 2}, {Compression::none, Compression::zstd});
     registerProgress(*protocols_);
     Conversation conversation(connection());
-    registry_ = negotiateAsServer(conversation, protocols_, {}, Report("hostile server"));
+    registry_ = negotiateAsServer(conversation, protocols_, Report("hostile server"));
     channel_ = std::make_unique<MessageChannel>(connection(), registry_);
     return *channel_;
   }
@@ -223,9 +222,19 @@ TEST_F(HostileServer, HasAnotherRegistry) {
       {"name":"compression","message":"zstd","status":"success"}]}]})");
   Conversation conversation(connection());
   conversation.hear(Document::agreement);
-  conversation.say(Document::agreement, R"({"Transfer":{"configuration":{},"version":"1.2"}})");
+  conversation.say(Document::agreement, "0f1e2d3c-4b5a-5978-8695-a4b3c2d1e0ff");
 
   EXPECT_THAT(outcome(), FailedWith("the registries of the two ends differ"));
+}
+
+TEST_F(HostileServer, HasAFingerprintThatIsNone) {
+  answer(R"({"protocolResolutions":[{"name":"Transfer","version":{"major":1,"minor":2},"resolutions":[
+      {"name":"compression","message":"zstd","status":"success"}]}]})");
+  Conversation conversation(connection());
+  conversation.hear(Document::agreement);
+  conversation.say(Document::agreement, std::string(100'000, 'f'));
+
+  EXPECT_THAT(outcome(), FailedWith("invalid uuid string"));
 }
 
 TEST_F(HostileServer, DiesWithinTheFile) {
