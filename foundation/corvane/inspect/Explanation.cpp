@@ -1,227 +1,30 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "foundation/corvane/inspect/Explanation.hpp"
 
-#include <algorithm>
-#include <optional>
 #include <string_view>
 
-#include "foundation/corvane/common/session/featureNames.hpp"
 #include "foundation/corvane/common/uuid/Version.hpp"
 #include "foundation/corvane/inspect/OfferIndex.hpp"
+#include "foundation/corvane/inspect/explainFeature.hpp"
+#include "foundation/corvane/inspect/hint.hpp"
 #include "foundation/corvane/inspect/matching.hpp"
-#include "foundation/corvane/inspect/nearMiss.hpp"
 #include "foundation/corvane/inspect/printable.hpp"
+#include "foundation/corvane/inspect/wording.hpp"
 
 namespace foundation::corvane::inspect {
 
 using common::toString;
-using common::session::FeatureHandling;
-using common::session::FeatureRequest;
 using common::session::FeatureStatus;
 using common::session::MessageProtocolConfig;
 using common::session::MessageProtocolResolution;
 using common::session::undefinedVersion;
 using detail::Fate;
-using detail::FeatureMatch;
-using detail::Installation;
 using detail::OfferedProtocol;
 using detail::OfferIndex;
 using detail::ProtocolMatch;
 using detail::quoted;
 
 namespace {
-
-constexpr std::string_view incompatible =
-    "std::logic_error \"Incompatible message protocol versions requested\"";
-
-// "a", "b" and 3 more
-std::string listed(const std::vector<std::string_view>& texts) {
-  constexpr std::size_t most = 5;
-  std::string list;
-  for (std::size_t i = 0; i < std::min(texts.size(), most); ++i) {
-    if (i > 0) list += ", ";
-    list += quoted(texts[i]);
-  }
-  if (texts.size() > most) list += " and " + std::to_string(texts.size() - most) + " more";
-  return list;
-}
-
-// What is offered instead: the text that may have been meant, or else what there is.
-std::string hint(std::string_view asked, const std::vector<std::string_view>& offered, std::string_view all,
-                 std::string_view none) {
-  const auto meant = detail::nearMiss(asked, offered);
-  if (meant) return "; " + quoted(asked) + " may be a misspelling of " + quoted(*meant);
-  if (offered.empty()) return std::string(none);
-  return std::string(all) + listed(offered);
-}
-
-std::string strength(FeatureHandling handling) {
-  if (detail::isKnown(handling)) return common::session::detail::nameOf(handling);
-  return "asked for without a known handling";
-}
-
-// Of one request for a feature.
-struct Feature {
-  const FeatureRequest& request;
-  const FeatureMatch& match;
-  const ProtocolMatch& protocol;
-  const OfferedProtocol* offered;  // null: nothing is known of it
-};
-
-FeatureOutcome outcomeOfSuccess(const Feature& feature) {
-  const auto* value = feature.protocol.installation->valueOf(feature.request.name);
-  if (value && *value == feature.request.value) return FeatureOutcome::Accepted;
-  return feature.protocol.answer == feature.protocol.installation->answer ? FeatureOutcome::Overruled
-                                                                          : FeatureOutcome::Ineffective;
-}
-
-FeatureOutcome outcomeOf(const Feature& feature) {
-  if (feature.protocol.fate != Fate::Installed) return FeatureOutcome::ProtocolLost;
-  if (feature.match.succeeded) return outcomeOfSuccess(feature);
-  if (!feature.match.first) return FeatureOutcome::Unanswered;
-  switch (feature.match.first->status) {
-    case FeatureStatus::success:
-    case FeatureStatus::undefined:
-      break;
-    case FeatureStatus::unsupported_error:
-    case FeatureStatus::unsupported_warning:
-      return FeatureOutcome::NotOffered;
-    case FeatureStatus::invalid_value_error:
-    case FeatureStatus::invalid_value_warning:
-      return FeatureOutcome::ValueNotOffered;
-    case FeatureStatus::invalid_handling:
-      return FeatureOutcome::InvalidHandling;
-  }
-  return FeatureOutcome::Unanswered;
-}
-
-// Whether a server with these offers gives this outcome. Those that say nothing about offers do not
-// contradict them.
-bool agrees(FeatureOutcome outcome, const Feature& feature) {
-  const auto& [name, value, handling] = feature.request;
-  const bool hasValue = feature.offered->has(name, value);
-  const bool hasName = !feature.offered->values(name).empty();
-  switch (outcome) {
-    case FeatureOutcome::Accepted:
-    case FeatureOutcome::Overruled:
-    case FeatureOutcome::Ineffective:
-      return hasValue;
-    case FeatureOutcome::NotOffered:
-      return !hasName;
-    case FeatureOutcome::Unanswered:
-      return !hasName || !detail::isKnown(handling);
-    case FeatureOutcome::ValueNotOffered:
-      return hasName && !hasValue;
-    case FeatureOutcome::InvalidHandling:
-    case FeatureOutcome::ProtocolLost:
-      break;
-  }
-  return true;
-}
-
-std::string whyNotEffective(const Feature& feature) {
-  const auto* value = feature.protocol.installation->valueOf(feature.request.name);
-  return "agreed in a further answer for the protocol, but the first one counts, and " +
-         (value ? "has " + quoted(*value) : std::string("does not have this feature")) +
-         "; ask for the protocol once, with all its features";
-}
-
-std::string whyNotOffered(const Feature& feature) {
-  auto why = strength(feature.request.handling) + ", but not offered by the server";
-  if (!feature.offered) return why;
-  return why + hint(feature.request.name, feature.offered->names(), ", which offers only ",
-                    ", which offers no feature of this protocol");
-}
-
-std::string whyValueNotOffered(const Feature& feature) {
-  const auto why = strength(feature.request.handling) + ", and offered only ";
-  if (!feature.offered) return why + "with other values; the server's offers tell which";
-  const auto& values = feature.offered->values(feature.request.name);
-  const auto meant = detail::nearMiss(feature.request.value, values);
-  return why + "as " + listed(values) +
-         (meant ? "; " + quoted(feature.request.value) + " may be a misspelling of " + quoted(*meant) : "");
-}
-
-std::string whyUnanswered(const Feature& feature) {
-  const auto& request = feature.request;
-  if (feature.match.first) {
-    return strength(request.handling) +
-           ", and answered without a known status; diagnose the answer's document";
-  }
-  if (detail::isKnown(request.handling)) {
-    return strength(request.handling) +
-           ", but the answer says nothing of it, as no server of this library does; diagnose the answer's "
-           "document";
-  }
-  if (request == FeatureRequest{}) {
-    return "an empty request, which one counts as that lacks a name, a value or a known handling; diagnose "
-           "the requests' document";
-  }
-  return strength(request.handling) +
-         ", so the server read an empty request, or has nothing to say of what it does not offer; make it "
-         "required, optional or preferred";
-}
-
-// As far as the offers agree, if there are any.
-std::string whyOf(FeatureOutcome outcome, const Feature& feature) {
-  switch (outcome) {
-    case FeatureOutcome::Accepted:
-      return "agreed as asked";
-    case FeatureOutcome::Overruled:
-      return "agreed, but " + quoted(*feature.protocol.installation->valueOf(feature.request.name)) +
-             " counts, which was agreed before; ask for one value, or first for the one that is wanted most";
-    case FeatureOutcome::Ineffective:
-      return whyNotEffective(feature);
-    case FeatureOutcome::NotOffered:
-      return whyNotOffered(feature);
-    case FeatureOutcome::ValueNotOffered:
-      return whyValueNotOffered(feature);
-    case FeatureOutcome::InvalidHandling:
-      return strength(feature.request.handling) +
-             ", and answered with invalid_handling, which no server of this library does";
-    case FeatureOutcome::Unanswered:
-      return whyUnanswered(feature);
-    case FeatureOutcome::ProtocolLost:
-      break;
-  }
-  return strength(feature.request.handling) + ", and lost with the protocol";
-}
-
-std::string otherwise(const Feature& feature) {
-  const auto& [name, value, handling] = feature.request;
-  const auto& values = feature.offered->values(name);
-  std::string offered = "not at all";
-  if (!values.empty())
-    offered = feature.offered->has(name, value) ? "with this value" : "only as " + listed(values);
-  return "; by the offers at hand it is offered " + offered + ": the server has changed since";
-}
-
-FeatureExplanation explain(Feature feature) {
-  // Beyond that a list helps nobody, and each of many requests would have all of many values.
-  constexpr std::size_t mostValues = 32;
-  FeatureExplanation explanation;
-  explanation.name = feature.request.name;
-  explanation.value = feature.request.value;
-  explanation.handling = feature.request.handling;
-  if (feature.offered) {
-    const auto& values = feature.offered->values(feature.request.name);
-    const auto count = std::min(values.size(), mostValues);
-    explanation.offered.assign(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(count));
-  }
-  explanation.outcome = outcomeOf(feature);
-  if (feature.match.first) explanation.status = feature.match.first->status;
-  if (feature.offered && !agrees(explanation.outcome, feature)) {
-    const auto contradiction = otherwise(feature);
-    feature.offered = nullptr;
-    explanation.why = whyOf(explanation.outcome, feature) + contradiction;
-  } else {
-    explanation.why = whyOf(explanation.outcome, feature);
-  }
-  if (feature.match.contradicted) {
-    explanation.why += "; the answer contradicts itself, with several statuses for this value";
-  }
-  return explanation;
-}
 
 // Of one request for a protocol.
 struct Protocol {
@@ -232,8 +35,9 @@ struct Protocol {
 };
 
 ProtocolOutcome outcomeOfMissing(const Protocol& protocol) {
-  if (protocol.match.installation->answer || protocol.offered) return ProtocolOutcome::Declined;
-  return protocol.offers ? ProtocolOutcome::Unknown : ProtocolOutcome::UnknownOrDeclined;
+  if (protocol.match.installation->answer != nullptr || protocol.offered != nullptr)
+    return ProtocolOutcome::Declined;
+  return protocol.offers != nullptr ? ProtocolOutcome::Unknown : ProtocolOutcome::UnknownOrDeclined;
 }
 
 ProtocolOutcome outcomeOf(const Protocol& protocol) {
@@ -265,9 +69,9 @@ std::string whyInstalled(const Protocol& protocol, std::string_view comparison) 
   }
   if (match.isContradicted()) {
     why += "; but an earlier answer has " + toString(match.installation->answer->version) +
-           ", and the client throws " + std::string(incompatible);
+           ", and the client throws " + std::string(detail::incompatible);
   }
-  if (protocol.offers && !protocol.offered) {
+  if (protocol.offers != nullptr && protocol.offered == nullptr) {
     why += "; the offers at hand do not have the protocol: the server has changed since";
   }
   return why;
@@ -277,17 +81,18 @@ std::string whyInstalled(const Protocol& protocol, std::string_view comparison) 
 std::string perhapsConflict(const Protocol& protocol) {
   if (protocol.isAnyAnswered || !protocol.match.installation->isAskedAtSeveralVersions) return {};
   return "; or because it is asked for at several versions, for which a server that knows it throws " +
-         std::string(incompatible) + " and answers nothing";
+         std::string(detail::incompatible) + " and answers nothing";
 }
 
 std::string whyUnknown(const Protocol& protocol) {
-  return "not offered by the server" + hint(protocol.match.request->name, protocol.offers->names(),
-                                            ", which offers only ", ", which offers no protocol at all");
+  return "not offered by the server" + detail::hint(protocol.match.request->name, protocol.offers->names(),
+                                                    ", which offers only ",
+                                                    ", which offers no protocol at all");
 }
 
 std::string whyDeclined(const Protocol& protocol) {
   const auto version = toString(protocol.match.request->version);
-  if (protocol.match.installation->answer) {
+  if (protocol.match.installation->answer != nullptr) {
     return "missing from the answer, which has the protocol for another request: the server's initializer "
            "declined this one, for " +
            version;
@@ -299,7 +104,7 @@ std::string whyDeclined(const Protocol& protocol) {
 std::string whyConflict(const Protocol& protocol) {
   return "asked for at " + toString(protocol.match.request->version) + ", but installed at " +
          toString(protocol.match.installation->answer->version) +
-         " before: a server of this library throws " + std::string(incompatible) +
+         " before: a server of this library throws " + std::string(detail::incompatible) +
          " here, and its whole answer is lost; ask for one version";
 }
 
@@ -314,7 +119,7 @@ std::string whyOf(ProtocolOutcome outcome, const Protocol& protocol) {
     case ProtocolOutcome::NoVersion:
       return "asked for without a version (65535.65535 means none), so the server dropped it";
     case ProtocolOutcome::Unreadable:
-      return "an empty request, which one counts as that could not be read, so the server dropped it; "
+      return "the request is empty, as one becomes that could not be read, so the server dropped it; "
              "diagnose the requests' document";
     case ProtocolOutcome::Unknown:
       return whyUnknown(protocol);
@@ -342,15 +147,15 @@ ProtocolExplanation explain(const Protocol& protocol) {
   explanation.why = whyOf(explanation.outcome, protocol);
   explanation.features.reserve(match.request->features.size());
   for (std::size_t i = 0; i < match.request->features.size(); ++i) {
-    explanation.features.push_back(
-        explain({match.request->features[i], match.features.requests[i], match, protocol.offered}));
+    explanation.features.push_back(detail::explainFeature(
+        {match.request->features[i], match.features.requests[i], match, protocol.offered}));
   }
   return explanation;
 }
 
 std::string whyUnasked(const ProtocolMatch& match) {
   if (*match.answer == MessageProtocolResolution{}) {
-    return "an empty answer, which one counts as that could not be read, so the client passes it over; "
+    return "the answer is empty, as one becomes that could not be read, so the client passes it over; "
            "diagnose the answer's document";
   }
   if (match.answer->version == undefinedVersion) {
@@ -358,7 +163,7 @@ std::string whyUnasked(const ProtocolMatch& match) {
   }
   if (match.isContradicted()) {
     return "nobody asked for it, and an earlier answer has " + toString(match.installation->answer->version) +
-           ": the client throws " + std::string(incompatible);
+           ": the client throws " + std::string(detail::incompatible);
   }
   if (match.answer != match.installation->answer) {
     return "nobody asked for it, and it changes nothing: an earlier answer for the protocol counts";
@@ -381,7 +186,7 @@ std::string whyUnasked(const ProtocolMatch& match, const detail::UnaskedEntry& u
   if (match.fate != Fate::Installed || entry.status != FeatureStatus::success) {
     return why + "; it changes nothing";
   }
-  const auto* value = match.installation->valueOf(entry.name);
+  const auto value = match.installation->valueOf(entry.name);
   if (!value) return why + "; it changes nothing, for an earlier answer for the protocol counts";
   if (*value != entry.message) return why + "; it changes nothing, for " + quoted(*value) + " counts";
   return why + ", but the client installs the protocol with it";
@@ -405,12 +210,12 @@ Explanation explain(const std::vector<MessageProtocolConfig>& configs,
   Explanation explanation;
   explanation.protocols.reserve(configs.size());
   for (std::size_t i = 0; i < configs.size(); ++i) {
-    const auto* offered = offers ? offers->find(configs[i].name) : nullptr;
+    const auto* offered = offers != nullptr ? offers->find(configs[i].name) : nullptr;
     explanation.protocols.push_back(explain({matching.matches[i], offers, offered, !resolutions.empty()}));
   }
   for (const auto position : matching.ofAnswers) {
     const auto& match = matching.matches[position];
-    if (!match.request) {
+    if (match.request == nullptr) {
       explanation.unasked.push_back(unaskedProtocol(match));
       continue;
     }
@@ -422,55 +227,6 @@ Explanation explain(const std::vector<MessageProtocolConfig>& configs,
 }
 
 }  // namespace
-
-// No default labels, so that the compiler names an enumerator that is missing here.
-const char* toCString(FeatureOutcome outcome) noexcept {
-  switch (outcome) {
-    case FeatureOutcome::Accepted:
-      return "Accepted";
-    case FeatureOutcome::Overruled:
-      return "Overruled";
-    case FeatureOutcome::Ineffective:
-      return "Ineffective";
-    case FeatureOutcome::NotOffered:
-      return "NotOffered";
-    case FeatureOutcome::ValueNotOffered:
-      return "ValueNotOffered";
-    case FeatureOutcome::InvalidHandling:
-      return "InvalidHandling";
-    case FeatureOutcome::Unanswered:
-      return "Unanswered";
-    case FeatureOutcome::ProtocolLost:
-      return "ProtocolLost";
-  }
-  return "";
-}
-
-const char* toCString(ProtocolOutcome outcome) noexcept {
-  switch (outcome) {
-    case ProtocolOutcome::Agreed:
-      return "Agreed";
-    case ProtocolOutcome::OlderVersion:
-      return "OlderVersion";
-    case ProtocolOutcome::NewerVersion:
-      return "NewerVersion";
-    case ProtocolOutcome::NoVersion:
-      return "NoVersion";
-    case ProtocolOutcome::Unreadable:
-      return "Unreadable";
-    case ProtocolOutcome::Unknown:
-      return "Unknown";
-    case ProtocolOutcome::Declined:
-      return "Declined";
-    case ProtocolOutcome::UnknownOrDeclined:
-      return "UnknownOrDeclined";
-    case ProtocolOutcome::VersionConflict:
-      return "VersionConflict";
-    case ProtocolOutcome::Undefined:
-      return "Undefined";
-  }
-  return "";
-}
 
 Explanation explain(const std::vector<MessageProtocolConfig>& configs,
                     const std::vector<MessageProtocolResolution>& resolutions) {

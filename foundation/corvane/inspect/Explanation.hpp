@@ -20,12 +20,14 @@ namespace foundation::corvane::inspect {
 enum class FeatureOutcome : std::uint8_t {
   Accepted,     ///< With the value asked for.
   Overruled,    ///< A success, but an earlier success of the same name has another value, which counts.
-  Ineffective,  ///< A success, but in a second answer for the protocol, whose configuration stays as it is.
+  Ineffective,  ///< A success, but in a further answer for the protocol; the first one's configuration, which
+                ///< counts, does not have the value.
   NotOffered,   ///< The protocol does not have the feature.
   ValueNotOffered,  ///< The protocol has the feature, but not with this value.
   InvalidHandling,  ///< The answer says `invalid_handling`, which no server of this library does.
-  Unanswered,       ///< The answer has no entry: not offered, and asked for without a known handling.
-  ProtocolLost,     ///< The answer does not have the protocol.
+  Unanswered,       ///< The answer has no entry, or one without a status. With this library's servers: not
+                    ///< offered, and asked for without a known handling.
+  ProtocolLost,     ///< The protocol was lost.
 };
 
 /// What became of a request for a protocol.
@@ -36,13 +38,13 @@ enum class ProtocolOutcome : std::uint8_t {
   NoVersion,          ///< Lost: the request has no version, so the server drops it.
   Unreadable,         ///< Lost: the request is the default record, which is what an unreadable one becomes.
   Unknown,            ///< Lost: the server does not offer the protocol.
-  Declined,           ///< Lost: the server offers the protocol, so its initializer declined, or is empty.
+  Declined,           ///< Lost: the server has the protocol, so its initializer declined, or is empty.
   UnknownOrDeclined,  ///< Lost: one of these two; there are no offers to tell which.
   VersionConflict,    ///< Lost: asked for a second time at another version, which ends the negotiation.
   Undefined,          ///< Lost: it is in the answer, but with no version, so the client passes it over.
 };
 
-/// The names of the enumerators. Static storage.
+/// The names of the enumerators; empty for a value without one. Static storage.
 FOUNDATION_EXPORT const char* toCString(FeatureOutcome outcome) noexcept;
 FOUNDATION_EXPORT const char* toCString(ProtocolOutcome outcome) noexcept;
 
@@ -51,10 +53,12 @@ struct FeatureExplanation {
   std::string name;
   std::string value;  ///< As asked for.
   common::session::FeatureHandling handling = common::session::FeatureHandling::undefined;
-  /// The values that the protocol offers of this feature, each once, in the order of the offers.
+  /// The values that the protocol offers of this feature, each once, in the order of the offers, but no more
+  /// than the first 32.
   std::vector<std::string> offered;
   FeatureOutcome outcome = FeatureOutcome::Unanswered;
-  /// The status of the first entry that answers the request; `undefined` if there is none.
+  /// The status of the first entry that answers the request; `undefined` if there is none. Where entries for
+  /// one value contradict each other, one success is enough for the outcome.
   common::session::FeatureStatus status = common::session::FeatureStatus::undefined;
   std::string why;  ///< A sentence for people, without a full stop.
 
@@ -96,7 +100,11 @@ struct Explanation {
 };
 
 /// Explains a server's answer to a client's requests, as far as these two tell. Each request occurs once.
-/// Protocols and features are matched by name, in order. Pure; linear in its arguments.
+/// Protocols and features are matched by name, in order. Pure; linear in its arguments, but for the
+/// logarithms of their sizes.
+///
+/// The sentences name what was found and what to do about it. Texts of a peer in them are cut after 40 bytes,
+/// with control characters written as escapes.
 /// @throws std::bad_alloc when memory runs out.
 FOUNDATION_EXPORT Explanation
 explain(const std::vector<common::session::MessageProtocolConfig>& configs,
@@ -113,9 +121,13 @@ explain(const std::vector<common::session::MessageProtocolConfig>& configs,
 /// Whether a text for people is coloured, with the escape sequences of ANSI terminals.
 enum class Colour : std::uint8_t { Off, On };
 
-/// A table for people, a line for each protocol and for each feature: protocol, feature, asked, strength,
-/// offered, outcome, why. Columns are as wide as their texts need, counted in UTF-8 characters, but none is
-/// padded beyond 40. Control characters are written as escapes, so that no peer writes to the terminal.
+/// A table for people with a heading, and a line for each protocol, for each feature, and for each answer
+/// that nobody asked for: protocol, feature, asked, strength, offered, outcome, why. Of a protocol, asked and
+/// offered are the versions asked for and installed. A sentence instead if there is nothing.
+///
+/// Columns are as wide as their texts need, counted in UTF-8 characters, but none is padded beyond 40.
+/// Control characters are written as escapes, so that no peer writes to the terminal. In colour an outcome is
+/// green if it is what was asked for, red if a protocol or something required is lost, else yellow.
 /// @throws std::bad_alloc when memory runs out.
 FOUNDATION_EXPORT std::string toText(const Explanation& explanation, Colour colour = Colour::Off);
 

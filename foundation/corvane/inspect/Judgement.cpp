@@ -9,6 +9,7 @@
 #include "foundation/corvane/common/uuid/Version.hpp"
 #include "foundation/corvane/inspect/matching.hpp"
 #include "foundation/corvane/inspect/printable.hpp"
+#include "foundation/corvane/inspect/wording.hpp"
 
 namespace foundation::corvane::inspect {
 
@@ -23,20 +24,13 @@ using detail::Fate;
 using detail::FeatureMatch;
 using detail::ProtocolMatch;
 using detail::quoted;
+using detail::strength;
 
 namespace {
 
-constexpr std::string_view incompatible =
-    "std::logic_error \"Incompatible message protocol versions requested\"";
-
-std::string strength(FeatureHandling handling) {
-  if (detail::isKnown(handling)) return common::session::detail::nameOf(handling);
-  return "asked for without a known handling";
-}
-
 // What a feature that has no success came to.
 std::string failure(const FeatureMatch& match) {
-  if (!match.first) return "not answered";
+  if (match.first == nullptr) return "not answered";
   using enum FeatureStatus;
   switch (match.first->status) {
     case undefined:
@@ -67,7 +61,8 @@ std::string loss(const ProtocolMatch& match) {
       return "it is asked for at " + toString(match.request->version) + ", and installed at " +
              toString(match.installation->answer->version);
   }
-  return match.installation->answer ? "its initializer declined" : "not offered, or its initializer declined";
+  return match.installation->answer != nullptr ? "its initializer declined"
+                                               : "not offered, or its initializer declined";
 }
 
 class Judge {
@@ -82,9 +77,9 @@ class Judge {
   }
 
   void judgeUnasked(const ProtocolMatch& match) {
-    if (!match.request) judgeUnaskedProtocol(match);
+    if (match.request == nullptr) judgeUnaskedProtocol(match);
     for (const auto& unasked : match.features.unasked) {
-      if (match.request) judgeUnaskedEntry(match, *unasked.entry);
+      if (match.request != nullptr) judgeUnaskedEntry(match, *unasked.entry);
       if (unasked.contradicted) {
         add(Ground::ContradictoryEntries, match.answer->name, unasked.entry->name,
             "nobody asked for " + quoted(unasked.entry->message) +
@@ -110,7 +105,7 @@ class Judge {
     const auto asked = toString(request->version);
     if (fate == Fate::Conflict) {
       add(Ground::VersionConflict, request->name, {},
-          loss(match) + ": a server of this library throws " + std::string(incompatible));
+          loss(match) + ": a server of this library throws " + std::string(detail::incompatible));
     } else if (fate != Fate::Installed) {
       add(Ground::ProtocolLost, request->name, {}, "not installed: " + loss(match));
     } else if (answer->version < request->version) {
@@ -130,7 +125,7 @@ class Judge {
     if (!match.isContradicted()) return;
     add(Ground::ContradictoryEntries, match.answer->name, {},
         "answered with " + toString(match.installation->answer->version) + " and with " +
-            toString(match.answer->version) + ": the client throws " + std::string(incompatible));
+            toString(match.answer->version) + ": the client throws " + std::string(detail::incompatible));
   }
 
   void judgeFeature(const ProtocolMatch& protocol, const FeatureRequest& request, const FeatureMatch& match) {
@@ -152,12 +147,16 @@ class Judge {
   }
 
   void judgeValue(const ProtocolMatch& protocol, const FeatureRequest& request) {
-    const auto* value = protocol.installation->valueOf(request.name);
+    const auto value = protocol.installation->valueOf(request.name);
     if (value && *value == request.value) return;
-    add(Ground::OtherValue, protocol.request->name, request.name,
-        quoted(request.value) + " is agreed, but " +
-            (value ? quoted(*value) + " counts, which was agreed before"
-                   : "an earlier answer for the protocol counts, which does not have the feature"));
+    const auto& name = protocol.request->name;
+    const auto what = quoted(request.value) + " is agreed, but " +
+                      (value ? quoted(*value) + " counts, which was agreed before"
+                             : "an earlier answer for the protocol counts, which does not have the feature");
+    if (request.handling == FeatureHandling::required) {
+      add(Ground::RequiredFailed, name, request.name, strength(request.handling) + ": " + what);
+    }
+    add(Ground::OtherValue, name, request.name, what);
   }
 
   void judgeUnaskedProtocol(const ProtocolMatch& match) {

@@ -2,7 +2,6 @@
 #include "foundation/corvane/inspect/matching.hpp"
 
 #include <algorithm>
-#include <optional>
 #include <utility>
 
 namespace foundation::corvane::inspect::detail {
@@ -167,8 +166,8 @@ class Matcher {
     }
     addUnasked();
     for (auto& match : matching_.matches) {
-      match.features = matchFeatures(match.request ? match.request->features : noRequests_,
-                                     match.answer ? match.answer->resolutions : noEntries_);
+      match.features = matchFeatures(match.request != nullptr ? match.request->features : noRequests_,
+                                     match.answer != nullptr ? match.answer->resolutions : noEntries_);
     }
     return std::move(matching_);
   }
@@ -245,8 +244,8 @@ class Matcher {
     const auto request = [&](std::size_t i) -> const MessageProtocolConfig& {
       return configs_[name.requests[i]];
     };
-    const auto isAnswers = [&](auto i) { return configs_[i].version == answer.version; };
-    const auto answered = static_cast<std::size_t>(std::ranges::count_if(name.requests, isAnswers));
+    const auto isAtItsVersion = [&](auto i) { return configs_[i].version == answer.version; };
+    const auto answered = static_cast<std::size_t>(std::ranges::count_if(name.requests, isAtItsVersion));
     if (answered == name.answers.size() && answers(answer, outline, request(0))) return 0;
 
     const auto spare = name.requests.size() - name.answers.size();
@@ -262,7 +261,7 @@ class Matcher {
     for (const auto i : name.requests) {
       auto& match = matching_.matches[i];
       const bool isAtOdds = isInstalled && match.request->version != installation.answer->version;
-      if (!match.answer) {
+      if (match.answer == nullptr) {
         match.fate = isAtOdds ? Fate::Conflict : Fate::Missing;
       } else if (match.answer->version == undefinedVersion) {
         match.fate = Fate::Versionless;
@@ -298,13 +297,15 @@ bool isKnown(FeatureHandling handling) noexcept {
   return handling == required || handling == optional || handling == preferred;
 }
 
-const std::string_view* Installation::valueOf(std::string_view feature) const {
+std::optional<std::string_view> Installation::valueOf(std::string_view feature) const {
   const auto place = configuration.find(feature);
-  return place == configuration.end() ? nullptr : &place->second;
+  if (place == configuration.end()) return std::nullopt;
+  return place->second;
 }
 
 bool ProtocolMatch::isContradicted() const {
-  return answer && answer->version != undefinedVersion && answer->version != installation->answer->version;
+  return answer != nullptr && answer->version != undefinedVersion &&
+         answer->version != installation->answer->version;
 }
 
 Matching match(const std::vector<MessageProtocolConfig>& configs,

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -36,8 +37,8 @@ struct Installation {
   std::map<std::string_view, std::string_view> configuration;
   bool isAskedAtSeveralVersions = false;
 
-  /// The value of the feature; null if it has none.
-  const std::string_view* valueOf(std::string_view feature) const;
+  /// The value of the feature, if it has one.
+  std::optional<std::string_view> valueOf(std::string_view feature) const;
 };
 
 /// The entries for one request for a feature.

@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "foundation/corvane/inspect/rehearse.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "foundation/corvane/common/session/TransportSetup.hpp"
+
+namespace foundation::corvane::inspect {
+namespace {
+
+using common::session::MessageProtocolConfig;
+using common::session::MessageProtocolResolution;
+using common::session::undefinedVersion;
+using common::session::FeatureHandling::optional;
+using common::session::FeatureHandling::preferred;
+using common::session::FeatureHandling::required;
+using common::session::FeatureStatus::invalid_value_error;
+using common::session::FeatureStatus::success;
+using common::session::FeatureStatus::unsupported_warning;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+using Resolutions = std::vector<MessageProtocolResolution>;
+
+const Offers offers{
+    "server", "2.1", {{"Telemetry", {{"compression", "lz4"}, {"compression", "zstd"}}}, {"Control", {}}}};
+
+TEST(rehearse, AnswersAsAServerWithTheseOffersWould) {
+  const std::vector<MessageProtocolConfig> configs{
+      {"Telemetry", {2, 1}, {{"compression", "zstd", required}, {"batching", "on", preferred}}},
+      {"Control", {1, 0}, {}}};
+
+  EXPECT_THAT(rehearse(configs, offers),
+              ElementsAre(MessageProtocolResolution(
+                              "Telemetry", {2, 1},
+                              {{"compression", "zstd", success}, {"batching", "on", unsupported_warning}}),
+                          MessageProtocolResolution("Control", {1, 0}, {})));
+}
+
+TEST(rehearse, LeavesOutWhatAServerDrops) {
+  const std::vector<MessageProtocolConfig> configs{
+      {"Telemetry", undefinedVersion, {}}, {"Chat", {1, 0}, {}}, {}};
+
+  EXPECT_THAT(rehearse(configs, offers), IsEmpty());
+}
+
+TEST(rehearse, TakesAVersionThatIsOnlyHalfUndefinedForAVersion) {
+  EXPECT_THAT(rehearse({{"Control", {65535, 0}, {}}}, offers),
+              ElementsAre(MessageProtocolResolution("Control", {65535, 0}, {})));
+}
+
+TEST(rehearse, AnswersAFurtherRequestForAProtocolAtTheVersionInstalled) {
+  EXPECT_THAT(rehearse({{"Control", {1, 0}, {}}, {"Control", {1, 0}, {{"x", "1", optional}}}}, offers),
+              ElementsAre(MessageProtocolResolution("Control", {1, 0}, {}),
+                          MessageProtocolResolution("Control", {1, 0}, {{"x", "1", unsupported_warning}})));
+}
+
+TEST(rehearse, LeavesOutASecondVersionOfAProtocolAndAnswersTheRest) {
+  const std::vector<MessageProtocolConfig> configs{
+      {"Control", {1, 0}, {}}, {"Control", {1, 1}, {}}, {"Control", {1, 0}, {}}, {"Telemetry", {1, 1}, {}}};
+
+  EXPECT_THAT(rehearse(configs, offers), ElementsAre(MessageProtocolResolution("Control", {1, 0}, {}),
+                                                     MessageProtocolResolution("Control", {1, 0}, {}),
+                                                     MessageProtocolResolution("Telemetry", {1, 1}, {})));
+}
+
+TEST(rehearse, TakesTheFirstOfOffersOfEqualName) {
+  const Offers twice{"", "", {{"p", {{"x", "1"}}}, {"p", {{"x", "2"}}}}};
+
+  EXPECT_THAT(rehearse({{"p", {1, 0}, {{"x", "2", required}}}}, twice),
+              ElementsAre(MessageProtocolResolution("p", {1, 0}, {{"x", "2", invalid_value_error}})));
+}
+
+TEST(rehearse, AnswersAnEmptyNameLikeAnyOther) {
+  EXPECT_THAT(rehearse({{"", {1, 0}, {}}}, Offers{"", "", {{"", {}}}}),
+              ElementsAre(MessageProtocolResolution("", {1, 0}, {})));
+}
+
+}  // namespace
+}  // namespace foundation::corvane::inspect
