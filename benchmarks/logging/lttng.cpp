@@ -1,16 +1,22 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "benchmarks/logging/events.hpp"
-#include "benchmarks/logging/peers.hpp"
 #include "benchmarks/logging/tracepoint.h"
+#include "benchmarks/measure.hpp"
 
 namespace logging_benchmark {
 
-std::string addLttng(const std::string& name) {
-  if (!lttng_ust_tracepoint_enabled(corvane_benchmark, event)) return "skipped: no LTTng session records it";
-  benchmark::RegisterBenchmark(name.c_str(), [](benchmark::State& state) {
-    measure(state, [] { lttng_ust_tracepoint(corvane_benchmark, event, text1, text2, text3, text4); });
-  });
-  return {};
+namespace {
+
+void lttng(benchmark::State& state) {
+  if (!lttng_ust_tracepoint_enabled(corvane_benchmark, event)) {
+    state.SkipWithError("no LTTng session records it");
+    return;
+  }
+  measure(state, [] { lttng_ust_tracepoint(corvane_benchmark, event, text1, text2, text3, text4); });
 }
+
+BENCHMARK(lttng)->Name("log/lttng");
+
+}  // namespace
 
 }  // namespace logging_benchmark

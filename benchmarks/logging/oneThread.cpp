@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "benchmarks/logging/LimitLog.hpp"
-#include "benchmarks/logging/events.hpp"
-
 #include <memory>
 
+#include "benchmarks/logging/LimitLog.hpp"
+#include "benchmarks/logging/events.hpp"
+#include "benchmarks/measure.hpp"
 #include "foundation/corvane/common/logging/FastLog.hpp"
 #include "foundation/corvane/common/logging/FastLogger.hpp"
 
@@ -33,10 +33,10 @@ void fastLoggerInstance(benchmark::State& state) {
   measure(state, [] { FastLogger::instance()->log(text1, text2, text3, text4); });
 }
 
-BENCHMARK(limit)->Name("limit");
-BENCHMARK(fastLog)->Name("FastLog::log");
-BENCHMARK(fastLogger)->Name("FastLogger::log");
-BENCHMARK(fastLoggerInstance)->Name("FastLogger::instance()->log");
+BENCHMARK(limit)->Name("log/limit");
+BENCHMARK(fastLog)->Name("log/FastLog");
+BENCHMARK(fastLogger)->Name("log/FastLogger");
+BENCHMARK(fastLoggerInstance)->Name("log/instance");
 
 }  // namespace
 

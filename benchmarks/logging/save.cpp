@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "benchmarks/logging/events.hpp"
-
 // The set's nodes begin with a link and are made larger than that; GCC 12 may take that for out of bounds.
 #if defined(__GNUC__) && !defined(__clang__)
 #pragma GCC diagnostic ignored "-Warray-bounds"
@@ -13,6 +11,7 @@
 #include <functional>
 #include <string>
 
+#include "benchmarks/measure.hpp"
 #include "foundation/corvane/common/logging/FastLog.hpp"
 
 namespace logging_benchmark {
@@ -46,8 +45,8 @@ void save(benchmark::State& state) {
   measure(state, [&log = log, &wanted = wanted] { benchmark::DoNotOptimize(log.save(wanted)); });
 }
 
-BENCHMARK(find)->Name("find")->Arg(1)->Arg(100)->Arg(10000);
-BENCHMARK(save)->Name("FastLog::save")->Arg(1)->Arg(100)->Arg(10000);
+BENCHMARK(find)->Name("save/find")->Arg(1)->Arg(100)->Arg(10000);
+BENCHMARK(save)->Name("save/ours")->Arg(1)->Arg(100)->Arg(10000);
 
 }  // namespace
 

@@ -12,7 +12,9 @@
 #include <algorithm>
 #include <iomanip>
 #include <ostream>
+#include <string_view>
 
+#include "foundation/corvane/common/logging/RecordLine.hpp"
 #include "foundation/corvane/common/logging/logLayout.hpp"
 #include "foundation/corvane/common/logging/textAllocator.hpp"
 
@@ -51,9 +53,18 @@ void FastLog::print(std::ostream& os) const {
 std::uint64_t FastLog::privatePrintBufferBlock(std::ostream& os, std::uint64_t firstNumber,
                                                std::uint64_t from, std::uint64_t to) const {
   auto number = firstNumber;
+  const bool linesWhole = takesLinesWhole(os);
+  RecordLine line(linesWhole ? os.fill() : ' ');
   for (auto slot = from; slot < to; ++slot) {
     const auto record = loadRecord(ring_[slot]);
-    if (record.text2 != nullptr) privatePrintRecord(os, number++, slot, record);
+    if (record.text2 == nullptr) continue;
+    const auto text = linesWhole ? line.of(number, slot, record) : std::string_view();
+    if (text.empty()) {
+      privatePrintRecord(os, number, slot, record);
+    } else {
+      os << std::left << text << std::endl;
+    }
+    ++number;
   }
   return number;
 }

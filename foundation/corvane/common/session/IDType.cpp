@@ -29,17 +29,17 @@ std::int64_t nextSequence() noexcept {
   return static_cast<std::int64_t>(next);
 }
 
-std::int64_t currentProcessId() noexcept {
-  auto id = cachedProcessId.load(std::memory_order_relaxed);
-  if (id == 0) {
-    id = ::getpid();
-    cachedProcessId.store(id, std::memory_order_relaxed);
-  }
-  return id;
+// Apart from its caller, which then needs no stack: what a locked addition has to wait for is stores.
+[[gnu::noinline]] void askForProcessId(std::int64_t& id) noexcept {
+  id = ::getpid();
+  cachedProcessId.store(id, std::memory_order_relaxed);
 }
 
 }  // namespace
 
-IDType::IDType() noexcept : sequence(nextSequence()), processId(currentProcessId()) {}
+IDType::IDType() noexcept
+    : sequence(nextSequence()), processId(cachedProcessId.load(std::memory_order_relaxed)) {
+  if (processId == 0) askForProcessId(processId);
+}
 
 }  // namespace foundation::corvane::common::session

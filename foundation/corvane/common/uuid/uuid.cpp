@@ -3,6 +3,7 @@
 
 #include <pthread.h>
 
+#include <array>
 #include <boost/random/uniform_int_distribution.hpp>
 #include <boost/throw_exception.hpp>
 #include <boost/uuid/string_generator.hpp>
@@ -14,6 +15,8 @@
 #include <random>
 #include <stdexcept>
 #include <string_view>
+
+#include "foundation/corvane/common/uuid/hexDigit.hpp"
 
 namespace foundation::corvane::common::uuid {
 
@@ -56,6 +59,26 @@ void startOverInChild() noexcept {
 [[maybe_unused]] const int forkHandler = pthread_atfork(nullptr, nullptr, startOverInChild);
 
 constexpr std::string_view hexDigits = "0123456789abcdef";
+constexpr std::size_t textLength = 36;
+
+// Where the two digits of each byte stand in the text.
+constexpr std::array<std::uint8_t, 16> digitPositions = {0,  2,  4,  6,  9,  11, 14, 16,
+                                                         19, 21, 24, 26, 28, 30, 32, 34};
+
+// Reads what toString writes, in either case; anything else, whether it is the text of a uuid or not, is
+// false.
+bool readUsualForm(std::string_view text, boost::uuids::uuid& value) noexcept {
+  if (text.size() != textLength) return false;
+  if (text[8] != '-' || text[13] != '-' || text[18] != '-' || text[23] != '-') return false;
+  unsigned seen = 0;
+  for (std::size_t i = 0; i < digitPositions.size(); ++i) {
+    const unsigned high = hexDigit(text[digitPositions[i]]);
+    const unsigned low = hexDigit(text[digitPositions[i] + 1U]);
+    seen |= high | low;
+    value.begin()[i] = static_cast<std::uint8_t>(high << 4 | low);
+  }
+  return (seen & noHexDigit) == 0;
+}
 
 }  // namespace
 
@@ -68,17 +91,18 @@ boost::uuids::uuid generateRandom() {
 }
 
 std::string toString(const boost::uuids::uuid& value) {
-  std::string text(36, '-');
-  std::size_t position = 0;
-  for (const std::uint8_t byte : value) {
-    if (position == 8 || position == 13 || position == 18 || position == 23) ++position;
-    text[position++] = hexDigits[byte >> 4];
-    text[position++] = hexDigits[byte & 0x0F];
+  std::string text(textLength, '-');
+  for (std::size_t i = 0; i < digitPositions.size(); ++i) {
+    const std::uint8_t byte = value.begin()[i];
+    text[digitPositions[i]] = hexDigits[byte >> 4];
+    text[digitPositions[i] + 1U] = hexDigits[byte & 0x0F];
   }
   return text;
 }
 
 boost::uuids::uuid toUUID(const std::string& text) {
+  boost::uuids::uuid value;
+  if (readUsualForm(text, value)) return value;
   try {
     return boost::uuids::string_generator()(text);
   } catch (const std::runtime_error&) {

@@ -105,6 +105,23 @@ TEST(IDText, ReadsGeneratedTextsAsAStreamDoes) {
   }
 }
 
+TEST(IDText, ReadsWhatIsNearlyTheTextOfAnIDAsAStreamDoes) {
+  static const std::string pieces = "0123456789abcdefABCDEFgxX -+";
+  std::mt19937_64 random(4);
+  for (int i = 0; i < 200000; ++i) {
+    auto text = toJSON(IDType(static_cast<std::int64_t>(random() >> (random() % 64)),
+                              static_cast<std::int64_t>(random() >> (random() % 64))));
+    for (auto changes = random() % 4; changes > 0 && !text.empty(); --changes) {
+      const auto position = random() % text.size();
+      const auto kind = random() % 3;
+      if (kind == 0) text.erase(position, 1);
+      if (kind == 1) text.insert(position, random() % 6, pieces[random() % pieces.size()]);
+      if (kind == 2) text[position] = pieces[random() % pieces.size()];
+    }
+    ASSERT_EQ(toID(text), readByStream(text)) << '"' << text << '"';
+  }
+}
+
 TEST(IDText, MovesOnTheSequenceByOneEachTimeItIsRead) {
   const IDType before;
   toID("0xff 0x10");

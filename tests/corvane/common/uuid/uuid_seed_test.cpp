@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <boost/random/uniform_int_distribution.hpp>
 #include <cstddef>
 #include <cstdint>
 #include <random>
@@ -26,11 +27,22 @@ std::random_device::result_type std::random_device::_M_getval() {
 namespace foundation::corvane::common::uuid {
 namespace {
 
+// The draws are those of Boost's distribution, in whatever way they are made.
+std::uint32_t drawFrom(std::mt19937_64& engine) {
+  return boost::random::uniform_int_distribution<std::uint32_t>(0, 0xFFFFFFFF)(engine);
+}
+
+TEST(UuidStream, HasItsDrawsInTheUpperHalvesOfTheEnginesNumbers) {
+  std::mt19937_64 drawn(0x5EED0003);
+  std::mt19937_64 numbers(0x5EED0003);
+  for (int i = 0; i < 10000; ++i) ASSERT_EQ(drawFrom(drawn), numbers() >> 32);
+}
+
 boost::uuids::uuid expectedFrom(std::mt19937_64& engine) {
   boost::uuids::uuid value = generateNil();
   auto byte = value.begin();
   for (int draw = 0; draw < 4; ++draw) {
-    const std::uint64_t bits = engine() >> 32;  // a 64-bit engine has its 32-bit draws in the upper half
+    const auto bits = drawFrom(engine);
     for (unsigned i = 0; i < 4; ++i) *byte++ = static_cast<std::uint8_t>(bits >> (8 * i));
   }
   value.begin()[6] = static_cast<std::uint8_t>((value.begin()[6] & 0x0F) | 0x40);

@@ -6,11 +6,14 @@
 
 #include <algorithm>
 #include <boost/exception/exception.hpp>
+#include <boost/uuid/string_generator.hpp>
 #include <boost/uuid/uuid_io.hpp>
 #include <cctype>
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
+#include <optional>
+#include <random>
 #include <set>
 #include <stdexcept>
 #include <string>
@@ -117,6 +120,47 @@ TEST(Uuid, ReplacingOneCharacterOfATextNeverReadsAsTheSameValue) {
       }
     }
   }
+}
+
+/// A text of a uuid in any of its forms, with up to three characters changed, lost or added.
+std::string nearlyAUuid(std::mt19937_64& random) {
+  static const std::string pieces = "0123456789abcdefABCDEFgGxX-_{} :\xff";
+  auto result = boost::uuids::to_string(generateRandom());
+  if (random() % 4 == 0) result.erase(std::remove(result.begin(), result.end(), '-'), result.end());
+  if (random() % 4 == 0) result = '{' + result + '}';
+  for (auto changes = random() % 4; changes > 0 && !result.empty(); --changes) {
+    const auto position = random() % result.size();
+    const auto character = random() % 8 == 0 ? static_cast<char>(random()) : pieces[random() % pieces.size()];
+    const auto kind = random() % 8;
+    if (kind == 0) result.erase(position, 1);
+    if (kind == 1) result.insert(position, 1, character);
+    if (kind > 1) result[position] = character;
+  }
+  return result;
+}
+
+TEST(Uuid, ReadsAndRefusesGeneratedTextsAsBoostDoes) {
+  std::mt19937_64 random(1);
+  int accepted = 0;
+  for (int i = 0; i < 50000; ++i) {
+    const auto candidate = nearlyAUuid(random);
+    std::optional<boost::uuids::uuid> expected;
+    try {
+      expected = boost::uuids::string_generator()(candidate);
+      ++accepted;
+    } catch (const std::runtime_error&) {
+    }
+
+    std::optional<boost::uuids::uuid> read;
+    try {
+      read = toUUID(candidate);
+    } catch (const std::runtime_error& error) {
+      ASSERT_STREQ(error.what(), "invalid uuid string");
+    }
+
+    ASSERT_EQ(read, expected) << candidate;
+  }
+  EXPECT_GT(accepted, 10000);
 }
 
 TEST(Uuid, RandomOnesAreOfVersionFourAndOfTheStandardVariant) {
