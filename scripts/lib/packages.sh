@@ -18,13 +18,40 @@ need() {
 
 has_program() { command -v "$1"; }
 has_header() { printf '#include <%s>\n' "$1" | "${CXX:-c++}" -E -x c++ - -o /dev/null; }
+has_json_schema() { python3 -c 'import jsonschema' || /usr/bin/python3 -c 'import jsonschema'; }
 has_library() { printf 'int main() {}\n' | "${CXX:-c++}" -x c++ - -l"$1" -o /dev/null; }
+
+has_fuzzer() {
+  printf 'extern "C" int LLVMFuzzerTestOneInput(const unsigned char*, unsigned long) { return 0; }\n' |
+    clang++ -x c++ - -fsanitize=fuzzer,address,undefined -o /dev/null
+}
+
+# The major one, of the compiler that is there or would be installed.
+clang_version() {
+  if has_program clang++ >/dev/null; then
+    clang++ -dumpversion | cut -d . -f 1
+  else
+    apt-cache depends clang 2>/dev/null | sed -n 's/.*Depends: clang-\([0-9]*\)$/\1/p'
+  fi
+}
+
+# As in 1.74, of the headers that are there.
+boost_version() {
+  printf '#include <boost/version.hpp>\nBOOST_LIB_VERSION\n' | "${CXX:-c++}" -E -P -x c++ - 2>/dev/null |
+    tail -n 1 | tr -d '" ' | tr _ .
+}
+
+# boost_is_older_than 75: than 1.75.
+boost_is_older_than() {
+  local version
+  version=$(boost_version)
+  [[ $version =~ ^1\.([0-9]+) ]] && [ "${BASH_REMATCH[1]}" -lt "$1" ]
+}
 
 # A library of Boost has to be of the same version as the headers that are there.
 boost_package() {
   local version
-  version=$(printf '#include <boost/version.hpp>\nBOOST_LIB_VERSION\n' | "${CXX:-c++}" -E -P -x c++ - 2>/dev/null |
-    tail -n 1 | tr -d '" ' | tr _ .)
+  version=$(boost_version)
   case $version in
     1.*) echo "libboost-$1$version-dev" ;;
     *) echo "libboost-$1-dev" ;;
@@ -39,6 +66,7 @@ list_group() {
       need ninja-build "what CMake drives" has_program ninja
       need libboost-dev "uuid, random, operators" has_header boost/uuid/uuid.hpp
       need "$(boost_package log)" "the core under the diagnostic logger" has_library boost_log
+      need "$(boost_package program-options)" "the command line of corvane-negotiate" has_library boost_program_options
       need libtbb-dev "the concurrent set of the event log" has_header oneapi/tbb/concurrent_unordered_set.h
       ;;
     test)
@@ -47,6 +75,9 @@ list_group() {
       need pkg-config "one of the ways to find the package, which is tested" has_program pkg-config
       need binutils "to look at the libraries' symbols" has_program nm
       need gdb "to test the debugger's view" has_program gdb
+      need libfmt-dev "to test that values can be formatted with it" has_header fmt/format.h
+      need python3 "runs the validator of JSON schemas" has_program python3
+      need python3-jsonschema "that validator" has_json_schema
       ;;
     demo)
       need "$(boost_package program-options)" "the demo's command line" has_library boost_program_options
@@ -60,11 +91,39 @@ list_group() {
       need libspdlog-dev "a peer: its backtrace" has_header spdlog/spdlog.h
       need liblttng-ust-dev "another peer: tracepoints" has_header lttng/tracepoint.h
       need lttng-tools "its daemon" has_program lttng
+      need uuid-dev "a peer: the C library of uuids" has_header uuid/uuid.h
+      need nlohmann-json3-dev "a peer: a JSON library" has_header nlohmann/json.hpp
+      need rapidjson-dev "a peer: a JSON library" has_header rapidjson/document.h
+      need libsimdjson-dev "a peer: a JSON library" has_header simdjson.h
+      boost_is_older_than 75 || need "$(boost_package json)" "a peer: a JSON library" has_library boost_json
+      need libnghttp2-dev "a peer: another protocol's negotiation" has_header nghttp2/nghttp2.h
+      need libcapnp-dev "a peer: a binary form of the documents" has_header capnp/message.h
+      need capnproto "its compiler" has_program capnp
+      need python3 "writes the report" has_program python3
       ;;
     ci)
       need clang "the other compiler" has_program clang++
       need clang-format "the formatting" has_program clang-format
       need clang-tidy "the static checks" has_program clang-tidy
+      ;;
+    model)
+      need spin "checks the model of the event log" has_program spin
+      need gcc "compiles what it makes of the model" has_program cc
+      ;;
+    abi)
+      need g++ "builds what is compared" has_program g++
+      need abigail-tools "compares it" has_program abidiff
+      ;;
+    worlds)
+      need debootstrap "makes the trees of other releases" has_program debootstrap
+      need valgrind "looks at every access to memory" has_program valgrind
+      need qemu-user-static "runs programs of the other byte order" has_program qemu-s390x-static
+      need g++-s390x-linux-gnu "compiles them" has_program s390x-linux-gnu-g++
+      ;;
+    fuzz)
+      need clang "the compiler with a fuzzer" has_program clang++
+      need "libclang-rt-$(clang_version)-dev" "that fuzzer, and the sanitizers" has_fuzzer
+      need rapidjson-dev "a second opinion on JSON texts" has_header rapidjson/reader.h
       ;;
     *)
       echo "packages.sh: no group named '$1'" >&2

@@ -1,0 +1,184 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "Program.hpp"
+#include "documents.hpp"
+#include "foundation/json.hpp"
+
+namespace negotiate::tests {
+namespace {
+
+using testing::AllOf;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+class Check : public testing::Test {
+ protected:
+  Outcome check(const std::string& request, const Arguments& options = {}) const {
+    Arguments arguments{"check", "--offers", workspace.write("offers.json", offers),
+                        workspace.write("request.json", request)};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    return run(arguments);
+  }
+
+  const Workspace workspace;
+};
+
+std::string lastLineOf(const std::string& text) {
+  const auto end = text.size() - 1;
+  const auto begin = text.rfind('\n', end - 1);
+  return text.substr(begin + 1, end - begin - 1);
+}
+
+TEST_F(Check, AgreesWhereTheServerHasEverything) {
+  const auto outcome = check(soundRequest);
+
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_THAT(outcome.out, AllOf(HasSubstr("Telemetry"), HasSubstr("zstd"), HasSubstr("Accepted")));
+  EXPECT_EQ(lastLineOf(outcome.out), "Agreed");
+  EXPECT_THAT(outcome.err, IsEmpty());
+}
+
+TEST_F(Check, DegradesWhereAWishFails) {
+  const auto outcome = check(wishfulRequest);
+
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(lastLineOf(outcome.out),
+              AllOf(StartsWith("Degraded: "), HasSubstr("batching"), EndsWith(" [WishFailed]")));
+}
+
+TEST_F(Check, DegradesWhereTheRequestHasElementsThatNobodyReads) {
+  const auto outcome = check(
+      R"({"protocolConfigs":["Control",{"name":"Telemetry","version":{"major":2,"minor":1},"features":[7,8]}]})");
+
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(lastLineOf(outcome.out),
+            "Degraded: 1 element in the place of requests for protocols is no object, so nobody read it "
+            "[ProtocolLost]; 2 elements in the place of requests for features are no objects, so nobody read "
+            "them [WishFailed]");
+}
+
+TEST_F(Check, RefusesThemWhenItIsTold) {
+  const auto outcome = check(R"({"protocolConfigs":[7]})", {"--refuse", "ProtocolLost"});
+
+  EXPECT_EQ(outcome.status, 3);
+}
+
+TEST_F(Check, RefusesWhereSomethingRequiredFails) {
+  const auto outcome = check(vainRequest);
+
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_THAT(lastLineOf(outcome.out), AllOf(StartsWith("Refused: "), HasSubstr("[RequiredFailed]")));
+}
+
+TEST_F(Check, RefusesOnTheGroundsThatAreChosen) {
+  EXPECT_EQ(check(vainRequest, {"--refuse", "none"}).status, 1);
+  EXPECT_EQ(check(vainRequest, {"--refuse", "WishFailed,ProtocolLost"}).status, 1);
+  EXPECT_EQ(check(wishfulRequest, {"--refuse", "RequiredFailed,WishFailed"}).status, 3);
+  EXPECT_EQ(check(wishfulRequest, {"--refuse=all"}).status, 3);
+  EXPECT_EQ(check(soundRequest, {"--refuse=all"}).status, 0);
+}
+
+TEST_F(Check, TellsTheReasonsThatRefuseBeforeTheOthers) {
+  const auto outcome =
+      check(R"({"protocolConfigs":[{"name":"Chat","version":{"major":1,"minor":0},"features":[)"
+            R"({"name":"emoji","value":"on","handling":"required"}]}]})",
+            {"--refuse", "RequiredFailed"});
+
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_THAT(
+      lastLineOf(outcome.out),
+      AllOf(StartsWith("Refused: "), HasSubstr(" [RequiredFailed]; besides: "), EndsWith(" [ProtocolLost]")));
+}
+
+TEST_F(Check, TellsEverythingAsOneObject) {
+  const auto outcome = check(wishfulRequest, {"--json"});
+
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.out.find('\n'), outcome.out.size() - 1);
+  auto object = foundation::json::parse(outcome.out).to<foundation::json::Object>();
+  EXPECT_TRUE(object.at("explanation").to<foundation::json::Object>().contains("protocols"));
+  auto judgement = object.at("judgement").to<foundation::json::Object>();
+  EXPECT_EQ(judgement.at("verdict"), "Degraded");
+  auto reason = judgement.at("reasons").to<foundation::json::Array>().at(0).to<foundation::json::Object>();
+  EXPECT_THAT(reason.at("sentence").to<std::string>(), Not(IsEmpty()));
+  reason.erase("sentence");
+  EXPECT_EQ(foundation::json::serialize(reason),
+            R"({"feature":"batching","ground":"WishFailed","protocol":"Telemetry","refuses":false})");
+}
+
+TEST_F(Check, TellsTheFindingsBesideTheVerdict) {
+  const auto outcome =
+      check(R"({"protocolConfigs":[{"name":"Telemetry","version":{"major":2,"minor":1},"features":[)"
+            R"({"name":"compression","value":"zstd","handling":"Required"}]}]})");
+
+  EXPECT_NE(outcome.status, 2);
+  EXPECT_THAT(outcome.err, AllOf(StartsWith(workspace.path("request.json") + ":1:"),
+                                 EndsWith("[UnknownWord] /protocolConfigs/0/features/0/handling\n")));
+  EXPECT_THAT(outcome.out, HasSubstr("Telemetry"));
+}
+
+TEST_F(Check, TellsOnlyTheFirstFindingsAndCountsTheOthers) {
+  const auto outcome = check(R"({"protocolConfigs":[1,2,3,4,5,6,7]})");
+
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.err, AllOf(HasSubstr("/protocolConfigs/4\n"), Not(HasSubstr("/protocolConfigs/5"))));
+  EXPECT_THAT(outcome.err,
+              EndsWith("corvane-negotiate: there are 2 more findings: see corvane-negotiate lint " +
+                       workspace.path("request.json") + '\n'));
+}
+
+TEST_F(Check, TellsTheFindingsOfTheOffersToo) {
+  const auto request = workspace.write("request.json", soundRequest);
+  const auto theirs =
+      workspace.write("offers.json", R"({"protocolOffers":[null],"software":{"name":"","version":""}})");
+
+  const auto outcome = run({"check", "--offers", theirs, request});
+
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_THAT(outcome.err, EndsWith("[NotAnObject] /protocolOffers/0\n"));
+}
+
+TEST_F(Check, RefusesInputThatItCannotUse) {
+  const auto withOffers = [&](const std::string& text) {
+    return run({"check", "--offers", workspace.write("offers.json", text),
+                workspace.write("request.json", soundRequest)});
+  };
+
+  EXPECT_THAT(check(""), IsBadInput("request.json:1:1: "));
+  EXPECT_THAT(check("{\n\"protocolConfigs\":[}"), IsBadInput("request.json:2:20: "));
+  EXPECT_THAT(check("[]"), IsBadInput("[NotAnObject]"));
+  EXPECT_THAT(check("{}"), IsBadInput("[MissingMember] /protocolConfigs"));
+  EXPECT_THAT(check(R"({"protocolConfigs":"Telemetry"})"), IsBadInput("[WrongKind] /protocolConfigs"));
+  EXPECT_THAT(check(soundAnswer), IsBadInput("request.json holds protocolResolutions, not protocolConfigs"));
+  EXPECT_THAT(withOffers(soundRequest), IsBadInput("offers.json holds protocolConfigs, not protocolOffers"));
+  EXPECT_THAT(withOffers("{}{"), IsBadInput("[Syntax]"));
+}
+
+TEST_F(Check, NamesAFileThatItCannotRead) {
+  const auto request = workspace.write("request.json", soundRequest);
+  const auto missing = workspace.path("missing");
+
+  EXPECT_THAT(run({"check", "--offers", missing, request}),
+              IsBadInput("cannot read " + missing + ": No such file"));
+  EXPECT_THAT(run({"check", "--offers", workspace.write("offers.json", offers), missing}),
+              IsBadInput("cannot read " + missing + ": No such file"));
+  EXPECT_THAT(run({"check", "--offers", workspace.path("."), request}), IsBadInput("Is a directory"));
+}
+
+TEST_F(Check, ReadsStandardInputOnce) {
+  const auto outcome =
+      run({"check", "--offers", workspace.write("offers.json", offers), "-"}, {.input = soundRequest});
+
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_THAT(run({"check", "--offers", "-", "-"}), IsBadInput("standard input can be read only once"));
+}
+
+}  // namespace
+}  // namespace negotiate::tests

@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+
+#include "foundation/corvane/inspect/Document.hpp"
+#include "foundation/corvane/inspect/Finding.hpp"
+
+namespace negotiate {
+
+/// "file:line:column: message [Rule] /pointer", as compilers tell where something is.
+std::string toLine(const std::string& file, const foundation::corvane::inspect::Finding& finding);
+
+/// All of it as one JSON object in a line.
+std::string toJsonLine(const std::string& file, foundation::corvane::inspect::Document document,
+                       const foundation::corvane::inspect::Finding& finding);
+
+}  // namespace negotiate
