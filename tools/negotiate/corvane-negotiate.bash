@@ -2,7 +2,7 @@
 # Completes the command line of corvane-negotiate in bash.
 
 _corvane_negotiate_grounds='RequiredFailed WishFailed ProtocolLost OlderVersion NewerVersion UnaskedSuccess OtherValue
-  VersionConflict ContradictoryEntries'
+  VersionConflict ContradictoryEntries Misread'
 
 # The list that is being typed, with one more ground at its end.
 _corvane_negotiate_refuse() {

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "documents.hpp"
 
-#include <algorithm>
 #include <cstddef>
 
 #include "complain.hpp"
@@ -23,8 +22,7 @@ constexpr std::size_t mostTold = 5;
 struct Findings {
   std::vector<std::string> lines;  // the first ones
   std::size_t count = 0;
-  std::size_t lostRecords = 0;   // elements of the document's list that are none
-  std::size_t lostElements = 0;  // elements of the lists in its records that are none
+  std::size_t misread = 0;  // those at which something that is there was not taken as it stands
 };
 
 [[noreturn]] void refuse(const std::string& file, inspect::Document expected, const std::string& text,
@@ -42,10 +40,9 @@ Findings findingsOf(const std::string& file, inspect::Document document, const s
   inspect::diagnose(document, text, [&](const inspect::Finding& finding) {
     if (finding.effect == inspect::Effect::DocumentLost) refuse(file, document, text, finding);
     if (++findings.count <= mostTold) findings.lines.push_back(toLine(file, finding));
-    if (finding.effect == inspect::Effect::ElementLost) {
-      const bool isRecord = std::ranges::count(finding.pointer, '/') == 2;
-      ++(isRecord ? findings.lostRecords : findings.lostElements);
-    }
+    const bool isAbsence =
+        finding.rule == inspect::Rule::MissingMember && finding.effect == inspect::Effect::Defaulted;
+    if (!isAbsence) ++findings.misread;
     return true;
   });
   return findings;
@@ -72,11 +69,12 @@ Text readDocument(const std::string& file, inspect::Document document) {
 
 Request readRequest(const std::string& file) {
   const auto [text, findings] = readDocument(file, inspect::Document::ProtocolConfigs);
-  return {session::toConfigs(text), findings.lostRecords, findings.lostElements};
+  return {session::toConfigs(text), findings.misread};
 }
 
-std::vector<session::MessageProtocolResolution> readAnswer(const std::string& file) {
-  return session::toResolutions(readDocument(file, inspect::Document::ProtocolResolutions).text);
+Answer readAnswer(const std::string& file) {
+  const auto [text, findings] = readDocument(file, inspect::Document::ProtocolResolutions);
+  return {session::toResolutions(text), findings.misread};
 }
 
 inspect::Offers readOffers(const std::string& file) {

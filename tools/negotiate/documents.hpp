@@ -16,16 +16,19 @@
 // has not the list that is looked for.
 namespace negotiate {
 
-/// A client's requests, and how many nobody will see because the document has something else in their place.
-struct Request {
-  std::vector<foundation::corvane::common::session::MessageProtocolConfig> configs;
-  std::size_t lostProtocols = 0;
-  std::size_t lostFeatures = 0;
+/// What a document lists, and at how many places the reader did not take what is there as it stands. That an
+/// optional member is not there is no such place.
+template <class Record>
+struct Read {
+  std::vector<Record> records;
+  std::size_t misread = 0;
 };
 
+using Request = Read<foundation::corvane::common::session::MessageProtocolConfig>;
+using Answer = Read<foundation::corvane::common::session::MessageProtocolResolution>;
+
 Request readRequest(const std::string& file);
-std::vector<foundation::corvane::common::session::MessageProtocolResolution> readAnswer(
-    const std::string& file);
+Answer readAnswer(const std::string& file);
 foundation::corvane::inspect::Offers readOffers(const std::string& file);
 
 }  // namespace negotiate

@@ -18,7 +18,7 @@ class Linter {
   void lint(const std::string& file) {
     const auto text = readFile(file);
     const auto document = inspect::documentOf(text).value_or(inspect::Document::ProtocolConfigs);
-    inspect::diagnose(document, text, [&](const inspect::Finding& finding) {
+    inspect::diagnose(text, [&](const inspect::Finding& finding) {
       if (told_ == options_.max) {
         more_ = true;
         return false;

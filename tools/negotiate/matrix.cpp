@@ -8,7 +8,7 @@
 #include "commands.hpp"
 #include "documents.hpp"
 #include "foundation/corvane/inspect/rehearse.hpp"
-#include "judgeRequest.hpp"
+#include "judgeRead.hpp"
 #include "readFile.hpp"
 #include "table.hpp"
 
@@ -69,8 +69,8 @@ ExitStatus matrix(const Options& options, Output& out) {
     auto& row = table.emplace_back();
     row.push_back(shownName(file));
     for (const auto& offers : servers) {
-      const auto judgement =
-          judgeRequest(request, inspect::rehearse(request.configs, offers), options.refusals);
+      const Answer answer{inspect::rehearse(request.records, offers)};
+      const auto judgement = judgeRead(request, answer, options.refusals);
       row.push_back(cellOf(judgement));
       worst = std::max(worst, judgement.verdict);
     }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "report.hpp"
 
+#include <cstddef>
 #include <string>
 #include <utility>
 
@@ -19,14 +20,17 @@ const char* colourOf(inspect::Verdict verdict) {
   return verdict == inspect::Verdict::Degraded ? "\x1b[33m" : "\x1b[31m";
 }
 
-// The reasons that refuse, or the others.
+// The first reasons that refuse, or of the others; --json has all of them.
 std::string reasonsOf(const inspect::Judgement& judgement, bool refuse) {
+  constexpr std::size_t most = 20;
   std::string text;
+  std::size_t count = 0;
   for (const auto& reason : judgement.reasons) {
-    if (reason.refuses != refuse) continue;
+    if (reason.refuses != refuse || ++count > most) continue;
     if (!text.empty()) text += "; ";
     text += printable(reason.sentence) + " [" + toCString(reason.ground) + ']';
   }
+  if (count > most) text += "; and " + std::to_string(count - most) + " more";
   return text;
 }
 

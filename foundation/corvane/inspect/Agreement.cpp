@@ -137,6 +137,26 @@ Agreement agreement(const common::serialization::Registry& registry) {
   return agreement;
 }
 
+Agreement agreement(const std::vector<common::session::MessageProtocolResolution>& resolutions) {
+  std::map<std::string_view, AgreedProtocol> protocols;
+  for (const auto& resolution : resolutions) {
+    if (resolution.version == common::session::undefinedVersion) continue;
+    const auto [place, isFirst] = protocols.try_emplace(resolution.name);
+    if (!isFirst) continue;
+    auto& protocol = place->second;
+    protocol.name = resolution.name;
+    protocol.version = resolution.version;
+    for (const auto& [feature, value, status] : resolution.resolutions) {
+      if (status == common::session::FeatureStatus::success)
+        protocol.configuration.try_emplace(feature, value);
+    }
+  }
+  Agreement agreement;
+  agreement.protocols.reserve(protocols.size());
+  for (auto& [name, protocol] : protocols) agreement.protocols.push_back(std::move(protocol));
+  return agreement;
+}
+
 std::string toJSON(const Agreement& agreement) {
   std::string out = R"({"protocols":[)";
   bool first = true;

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "foundation/core/export.hpp"
+#include "foundation/corvane/common/session/MessageProtocolResolution.hpp"
 #include "foundation/corvane/common/session/Version.hpp"
 
 namespace foundation::corvane::common::serialization {
@@ -37,6 +38,15 @@ struct Agreement {
 /// Threads: as for any reading of a `Registry`.
 /// @throws std::bad_alloc when memory runs out.
 FOUNDATION_EXPORT Agreement agreement(const common::serialization::Registry& registry);
+
+/// What a server's answer promises: each protocol that it has with a version, with the features whose status
+/// is `success`; of answers for one protocol, and of values of one feature, the first. The difference from
+/// what a registry has shows what no answer tells: a protocol that this process does not know or declined, an
+/// initializer that installed another version or configuration than it was told to, a protocol that the
+/// connection had before.
+/// @throws std::bad_alloc when memory runs out.
+FOUNDATION_EXPORT Agreement
+agreement(const std::vector<common::session::MessageProtocolResolution>& resolutions);
 
 /// The canonical text,
 /// {"protocols":[{"configuration":{...},"name":...,"version":{"major":...,"minor":...}}]}: compact, members

@@ -53,8 +53,8 @@ struct FeatureExplanation {
   std::string name;
   std::string value;  ///< As asked for.
   common::session::FeatureHandling handling = common::session::FeatureHandling::undefined;
-  /// The values that the protocol offers of this feature, each once, in the order of the offers, but no more
-  /// than the first 32.
+  /// The values that the protocol offers of this feature, each once, in the order of the offers: the first
+  /// ones, at most 32 of them and no more than have 1024 bytes together.
   std::vector<std::string> offered;
   FeatureOutcome outcome = FeatureOutcome::Unanswered;
   /// The status of the first entry that answers the request; `undefined` if there is none. Where entries for

@@ -199,6 +199,8 @@ const char* toCString(Ground ground) noexcept {
       return "VersionConflict";
     case Ground::ContradictoryEntries:
       return "ContradictoryEntries";
+    case Ground::Misread:
+      return "Misread";
   }
   return "";
 }

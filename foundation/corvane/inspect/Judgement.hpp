@@ -25,6 +25,8 @@ enum class Ground : std::uint32_t {
   VersionConflict = 1U << 7,  ///< A protocol is asked for at a second version: the server throws.
   ContradictoryEntries = 1U << 8,  ///< Entries of the answer for one feature and value, or answers for one
                                    ///< protocol, contradict each other.
+  Misread = 1U << 9,  ///< A document was not taken as it stands. `judge`, which sees records, does not tell
+                      ///< it; who has the documents asks `diagnose`.
 };
 
 /// A set of grounds.

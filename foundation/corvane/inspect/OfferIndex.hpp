@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstddef>
 #include <map>
-#include <set>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -15,9 +15,9 @@ namespace foundation::corvane::inspect::detail {
 /// What is offered of one protocol.
 class OfferedProtocol {
  public:
-  explicit OfferedProtocol(const ProtocolOffer& offer) {
+  void add(const ProtocolOffer& offer) {
     for (const auto& [name, value, handling] : offer.features) {
-      if (!pairs_.emplace(name, value).second) continue;
+      if (++counts_[{name, value}] != 1) continue;
       auto& values = values_[name];
       if (values.empty()) names_.push_back(name);
       values.push_back(value);
@@ -34,24 +34,28 @@ class OfferedProtocol {
     return place == values_.end() ? none : place->second;
   }
 
-  bool has(std::string_view feature, std::string_view value) const {
-    return pairs_.contains({feature, value});
+  bool has(std::string_view feature, std::string_view value) const { return count(feature, value) != 0; }
+
+  /// How often the value is offered.
+  std::size_t count(std::string_view feature, std::string_view value) const {
+    const auto place = counts_.find({feature, value});
+    return place == counts_.end() ? 0 : place->second;
   }
 
  private:
   std::vector<std::string_view> names_;
   std::map<std::string_view, std::vector<std::string_view>> values_;
-  std::set<std::pair<std::string_view, std::string_view>> pairs_;
+  std::map<std::pair<std::string_view, std::string_view>, std::size_t> counts_;
 };
 
-/// What is offered. Of offers of equal name the first counts.
+/// What is offered. Offers of equal name are taken together.
 class OfferIndex {
  public:
   explicit OfferIndex(const Offers& offers) {
     for (const auto& offer : offers.protocols) {
-      if (protocols_.contains(offer.name)) continue;
-      names_.push_back(offer.name);
-      protocols_.emplace(offer.name, offer);
+      const auto [place, isNew] = protocols_.try_emplace(offer.name);
+      if (isNew) names_.push_back(offer.name);
+      place->second.add(offer);
     }
   }
 

@@ -83,7 +83,15 @@ void diagnose(Document document, std::string_view text, const FindingVisitor& vi
 }
 
 void diagnose(std::string_view text, const FindingVisitor& visit) {
-  diagnose(documentOf(text).value_or(Document::ProtocolConfigs), text, visit);
+  if (const auto document = documentOf(text)) return diagnose(*document, text, visit);
+  diagnose(Document::ProtocolConfigs, text, [&visit](const Finding& finding) {
+    if (finding.rule != Rule::MissingMember) return visit(finding);
+    auto named = finding;
+    named.message =
+        R"(there is none of "protocolConfigs", "protocolResolutions" and "protocolOffers", so this is )"
+        "no document that anybody reads";
+    return visit(named);
+  });
 }
 
 std::vector<Finding> diagnose(Document document, std::string_view text) {
@@ -96,7 +104,12 @@ std::vector<Finding> diagnose(Document document, std::string_view text) {
 }
 
 std::vector<Finding> diagnose(std::string_view text) {
-  return diagnose(documentOf(text).value_or(Document::ProtocolConfigs), text);
+  std::vector<Finding> findings;
+  diagnose(text, [&](const Finding& finding) {
+    findings.push_back(finding);
+    return true;
+  });
+  return findings;
 }
 
 }  // namespace foundation::corvane::inspect

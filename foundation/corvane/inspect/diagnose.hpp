@@ -20,7 +20,7 @@ using FindingVisitor = std::function<bool(const Finding&)>;
 ///
 /// There is no finding if and only if the list that the reader returns is as long as the document's, holds no
 /// default record, and writes back to an equal document: the same members in any order, each once; numbers
-/// compared by value, strings by the bytes that they stand for. In a record that becomes the default one,
+/// compared as doubles, strings by the bytes that they stand for. In a record that becomes the default one,
 /// only what made it so is a finding; of a member that a later one replaces, only that it was replaced.
 ///
 /// Whatever the bytes: linear time, bounded stack. Memory: a bit for each object and member of the
@@ -28,7 +28,8 @@ using FindingVisitor = std::function<bool(const Finding&)>;
 /// @throws std::bad_alloc when memory runs out, and whatever `visit` throws.
 FOUNDATION_EXPORT void diagnose(Document document, std::string_view text, const FindingVisitor& visit);
 
-/// The same for the document that `documentOf` takes the text for, or else for `Document::ProtocolConfigs`.
+/// The same for the document that `documentOf` takes the text for, or else for `Document::ProtocolConfigs`,
+/// whose missing list is then told as that of all three.
 FOUNDATION_EXPORT void diagnose(std::string_view text, const FindingVisitor& visit);
 
 /// The findings as a list.

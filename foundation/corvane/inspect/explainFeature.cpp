@@ -147,16 +147,21 @@ std::string otherwise(const Feature& feature) {
 }  // namespace
 
 FeatureExplanation explainFeature(Feature feature) {
-  // Beyond that a list helps nobody, and each of many requests would have all of many values.
+  // Beyond that a list helps nobody, and each of many requests would have all of many values, or of long
+  // ones.
   constexpr std::size_t mostValues = 32;
+  constexpr std::size_t mostBytes = 1024;
   FeatureExplanation explanation;
   explanation.name = feature.request.name;
   explanation.value = feature.request.value;
   explanation.handling = feature.request.handling;
   if (feature.offered != nullptr) {
-    const auto& values = feature.offered->values(feature.request.name);
-    const auto count = std::min(values.size(), mostValues);
-    explanation.offered.assign(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(count));
+    std::size_t bytes = 0;
+    for (const auto value : feature.offered->values(feature.request.name)) {
+      bytes += value.size();
+      if (explanation.offered.size() == mostValues || bytes > mostBytes) break;
+      explanation.offered.emplace_back(value);
+    }
   }
   explanation.outcome = outcomeOf(feature);
   if (feature.match.first != nullptr) explanation.status = feature.match.first->status;

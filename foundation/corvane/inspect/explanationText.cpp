@@ -28,8 +28,10 @@ struct Row {
   std::string_view colour;  // of the outcome
 };
 
-// An empty text, or one with blanks at its ends, would not be seen in a table.
+// An empty text, or one with blanks at its ends, would not be seen in a table, and a long one would hide it.
 std::string cell(const std::string& text) {
+  constexpr std::size_t most = 120;
+  if (text.size() > most) return detail::quoted(text, most);
   if (text.empty() || text.front() == ' ' || text.back() == ' ') return detail::quoted(text, text.size());
   return detail::printable(text);
 }

@@ -12,13 +12,14 @@ namespace foundation::corvane::inspect {
 
 /// The answer to `configs` of a server that offers `offers` and whose initializers install what they are
 /// asked for: what `common::session::resolveProtocolRequests` would return on a new connection, found with
-/// the same `resolveFeatures` and without a process. Of offers of equal name the first counts.
+/// the same `resolveFeatures` and without a process. Offers of equal name are taken
+/// together.
 ///
 /// Where it would throw, because a protocol is asked for at a second version, that configuration is left out
 /// and the rest is answered; `judge` calls it `Ground::VersionConflict`.
 ///
-/// Each configuration that is answered costs a sorting of the protocol's offers, and a value offered k times
-/// k entries. Pure.
+/// A value offered k times costs k entries. Pure; linear in its arguments and the answer, but for the
+/// logarithms of their sizes.
 /// @throws std::bad_alloc when memory runs out.
 FOUNDATION_EXPORT std::vector<common::session::MessageProtocolResolution> rehearse(
     const std::vector<common::session::MessageProtocolConfig>& configs, const Offers& offers);

@@ -102,6 +102,7 @@ std::string consequence(Effect effect, Members members, std::size_t index) {
 
 std::string syntaxError(const json::Reader& reader, std::string_view text, bool afterEnd) {
   const auto rest = text.substr(reader.offset());
+  if (text.starts_with("\xef\xbb\xbf")) return "the text begins with a byte order mark, which JSON has not";
   if (rest.empty()) return text.empty() ? "the text is empty" : "the text ends too early";
   if (afterEnd) return "more text after the end of the document: " + quoted(rest, 20);
   if (reader.depth() == json::Reader::maxDepth && (rest.front() == '{' || rest.front() == '[')) {

@@ -344,5 +344,56 @@ TEST(Difference, TellsWhatTheClientDidNotInstallAsItWasTold) {
                           Difference{FeatureOnlyTheirs, "Telemetry", "compression", "", "lz4"}));
 }
 
+TEST(Agreement, OfAnAnswerIsWhatTheAnswerPromises) {
+  using common::session::FeatureStatus;
+  const std::vector<common::session::MessageProtocolResolution> answer{
+      {"Telemetry",
+       {2, 1},
+       {{"compression", "zstd", FeatureStatus::invalid_value_error},
+        {"compression", "lz4", FeatureStatus::success},
+        {"compression", "none", FeatureStatus::success},
+        {"batching", "on", FeatureStatus::success}}},
+      {"Debug", {1, 0}, {}},
+      {"Debug", {1, 0}, {{"level", "3", FeatureStatus::success}}},
+      {}};
+
+  EXPECT_EQ(agreement(answer), (Agreement{{debug, telemetry}}));
+}
+
+TEST(Agreement, OfAnAnswerShowsWhatAnInitializerMadeOfIt) {
+  const auto protocols = ProtocolRegistry::create("client", "1");
+  protocols->registerProtocolInitializer("Telemetry", answering({2, 0}, {{"compression", "none"}}), {});
+  const auto registry = Registry::create("client");
+  const std::vector<common::session::MessageProtocolResolution> answer{
+      {"Telemetry", {2, 1}, {{"compression", "lz4", common::session::FeatureStatus::success}}},
+      {"Debug", {1, 0}, {}}};
+
+  common::session::handleProtocolResolutions(protocols, answer, registry);
+
+  EXPECT_THAT(difference(agreement(*registry), agreement(answer)),
+              ElementsAre(Difference{ProtocolOnlyTheirs, "Debug", "", "", "1.0"},
+                          Difference{Version, "Telemetry", "", "2.0", "2.1"},
+                          Difference{Value, "Telemetry", "compression", "none", "lz4"}));
+}
+
+TEST(Agreement, OfAnAnswerShowsThatAnEarlierNegotiationStaysInForce) {
+  const auto protocols = ProtocolRegistry::create("server", "1");
+  protocols->registerProtocolInitializer("Telemetry", accepting(),
+                                         {{"compression", "lz4"}, {"compression", "zstd"}});
+  const auto registry = Registry::create("server");
+  const auto ask = [&](const char* value) {
+    return common::session::resolveProtocolRequests(
+        protocols,
+        {{"Telemetry", {2, 1}, {{"compression", value, common::session::FeatureHandling::required}}}},
+        registry);
+  };
+  ask("lz4");
+
+  const auto answer = ask("zstd");
+
+  EXPECT_THAT(difference(agreement(*registry), agreement(answer)),
+              ElementsAre(Difference{Value, "Telemetry", "compression", "lz4", "zstd"}));
+}
+
 }  // namespace
 }  // namespace foundation::corvane::inspect

@@ -68,11 +68,31 @@ TEST(rehearse, LeavesOutASecondVersionOfAProtocolAndAnswersTheRest) {
                                                      MessageProtocolResolution("Telemetry", {1, 1}, {})));
 }
 
-TEST(rehearse, TakesTheFirstOfOffersOfEqualName) {
-  const Offers twice{"", "", {{"p", {{"x", "1"}}}, {"p", {{"x", "2"}}}}};
+TEST(rehearse, TakesOffersOfEqualNameTogether) {
+  const Offers twice{"server", "2.1", {{"p", {{"x", "1"}}}, {"p", {{"x", "2"}}}}};
 
   EXPECT_THAT(rehearse({{"p", {1, 0}, {{"x", "2", required}}}}, twice),
-              ElementsAre(MessageProtocolResolution("p", {1, 0}, {{"x", "2", invalid_value_error}})));
+              ElementsAre(MessageProtocolResolution("p", {1, 0}, {{"x", "2", success}})));
+}
+
+// Minutes, if each configuration cost as much as all the offers.
+TEST(rehearse, IsNotSlowedDownByManyRequestsForOneProtocolWithManyOffers) {
+  constexpr std::size_t many = 20'000;
+  Offers wide{"server", "1", {{"p", {}}}};
+  std::vector<MessageProtocolConfig> configs;
+  for (std::size_t i = 0; i < many; ++i) {
+    wide.protocols[0].features.push_back({"x", std::to_string(i)});
+    configs.emplace_back(
+        "p", std::pair(1U, 0U),
+        std::vector<common::session::FeatureRequest>{{"x", std::to_string(2 * i), required}});
+  }
+
+  const auto answer = rehearse(configs, wide);
+
+  ASSERT_EQ(answer.size(), many);
+  EXPECT_THAT(answer.front().resolutions, ElementsAre(common::session::FeatureResolution("x", "0", success)));
+  EXPECT_THAT(answer.back().resolutions,
+              ElementsAre(common::session::FeatureResolution("x", "39998", invalid_value_error)));
 }
 
 TEST(rehearse, AnswersAnEmptyNameLikeAnyOther) {

@@ -6,8 +6,9 @@ set(commands -ex "source ${VIEW}" -ex "break stopHere" -ex run -ex up)
 foreach(name IN LISTS names)
   list(APPEND commands -ex "printf \"${name} is \"" -ex "output ${name}" -ex "echo \\n")
 endforeach()
+# In quotes the name is found in a library without debug information, too.
 execute_process(COMMAND ${GDB} -q -batch ${commands}
-  -ex "call (void)foundation::corvane::common::logging::dumpGlobalFastLog()" ${PROGRAM}
+  -ex "call (void)'foundation::corvane::common::logging::dumpGlobalFastLog()'()" ${PROGRAM}
   OUTPUT_VARIABLE text ERROR_VARIABLE text)
 
 function(expect)

@@ -53,21 +53,30 @@ TEST_F(Check, DegradesWhereAWishFails) {
               AllOf(StartsWith("Degraded: "), HasSubstr("batching"), EndsWith(" [WishFailed]")));
 }
 
-TEST_F(Check, DegradesWhereTheRequestHasElementsThatNobodyReads) {
-  const auto outcome = check(
-      R"({"protocolConfigs":["Control",{"name":"Telemetry","version":{"major":2,"minor":1},"features":[7,8]}]})");
+TEST_F(Check, DegradesWhereTheRequestIsNotReadAsItStands) {
+  const std::string config = R"({"name":"Telemetry","version":{"major":2,"minor":1})";
+  for (
+      const std::string& request : {
+          R"({"protocolConfigs":["Control",)" + config + R"(,"features":[]}]})",
+          R"({"protocolConfigs":[)" + config + R"(,"features":[7]}]})",
+          R"({"protocolConfigs":[)" + config + R"(,"features":{}}]})",
+          R"({"protocolConfigs":[)" + config + R"(,"features":[],"feature":[]}]})",
+          R"({"protocolConfigs":[)" + config + R"(,"features":[],"features":[]}]})",
+          R"({"protocolConfigs":[)" + config + R"(,"features":[]}],"protocolConfigs":[]})",
+          std::string(
+              R"({"protocolConfigs":[{"name":"Telemetry","version":{"major":1.9999,"minor":1},"features":[]}]})"),
+      }) {
+    const auto outcome = check(request);
 
-  EXPECT_EQ(outcome.status, 1);
-  EXPECT_EQ(lastLineOf(outcome.out),
-            "Degraded: 1 element in the place of requests for protocols is no object, so nobody read it "
-            "[ProtocolLost]; 2 elements in the place of requests for features are no objects, so nobody read "
-            "them [WishFailed]");
+    EXPECT_EQ(outcome.status, 1) << request;
+    EXPECT_THAT(lastLineOf(outcome.out), EndsWith(" was not read as it stands, at 1 place [Misread]"))
+        << request;
+    EXPECT_EQ(check(request, {"--refuse", "Misread"}).status, 3) << request;
+  }
 }
 
-TEST_F(Check, RefusesThemWhenItIsTold) {
-  const auto outcome = check(R"({"protocolConfigs":[7]})", {"--refuse", "ProtocolLost"});
-
-  EXPECT_EQ(outcome.status, 3);
+TEST_F(Check, AgreesWhereOnlyAnOptionalMemberIsMissing) {
+  EXPECT_EQ(check(R"({"protocolConfigs":[{"name":"Telemetry","version":{"major":2,"minor":1}}]})").status, 0);
 }
 
 TEST_F(Check, RefusesWhereSomethingRequiredFails) {
