@@ -6,8 +6,10 @@
 #include <charconv>
 #include <cstring>
 #include <limits>
+#include <optional>
 #include <system_error>
 
+#include "foundation/json/ReaderSteps.hpp"
 #include "foundation/json/ascii.hpp"
 #include "foundation/json/plainRun.hpp"
 
@@ -15,13 +17,16 @@ namespace foundation::json {
 
 namespace {
 
-// RFC 8259 knows fewer blanks than isspace_ascii.
-const char* skipBlanks(const char* at, const char* end) noexcept {
-  while (at != end && (*at == ' ' || *at == '\n' || *at == '\r' || *at == '\t')) ++at;
-  return at;
-}
+using Steps = impl::ReaderSteps;
 
 const char* skipDigits(const char* at, const char* end) noexcept {
+  // Eight bytes at a time. The high half of a digit is 3, and is still 3 when 6 is added.
+  for (; end - at >= 8; at += 8) {
+    constexpr std::uint64_t highHalves = 0xf0 * impl::ones;
+    const std::uint64_t word = impl::eightBytes(at);
+    const std::uint64_t added = word + 6 * impl::ones;
+    if ((word & highHalves) != 0x30 * impl::ones || (added & highHalves) != 0x30 * impl::ones) break;
+  }
   while (at != end && isdigit_ascii(*at)) ++at;
   return at;
 }
@@ -36,12 +41,36 @@ int hexDigit(char c) noexcept {
 constexpr std::size_t badEscape = 0;
 constexpr std::size_t cutEscape = std::string_view::npos;
 
+// What a backslash and this letter stand for; 0 if that is no escape of two characters.
+char shortEscape(char letter) noexcept {
+  switch (letter) {
+    case '"':
+    case '\\':
+    case '/':
+      return letter;
+    case 'b':
+      return '\b';
+    case 'f':
+      return '\f';
+    case 'n':
+      return '\n';
+    case 'r':
+      return '\r';
+    case 't':
+      return '\t';
+    default:
+      return 0;
+  }
+}
+
 // The bytes of the escape that `text` starts with, both halves of a surrogate pair together. `badEscape` as
 // soon as no further byte could make it right, `cutEscape` if the text ends before that shows.
 std::size_t escapeLength(std::string_view text) noexcept {
   if (text.size() < 2) return cutEscape;
-  if (text[1] != 'u') {
-    return std::string_view(R"("\/bfnrt)").find(text[1]) == std::string_view::npos ? badEscape : 2;
+  if (text[1] != 'u') return shortEscape(text[1]) != 0 ? 2 : badEscape;
+  const auto digitAt = [text](std::size_t i) { return hexDigit(text[i]); };
+  if (text.size() >= 6 && (digitAt(2) | digitAt(3) | digitAt(4) | digitAt(5)) >= 0 && digitAt(2) != 0xd) {
+    return 6;  // like nearly all: whole, and no half of a pair
   }
   std::size_t length = 6;
   for (std::size_t i = 2; i < length; ++i) {
@@ -94,25 +123,10 @@ Bytes utf8(unsigned character) noexcept {
 }
 
 // What the escape at `at`, known to be right, stands for; moves `at` behind it.
-Bytes resolveEscape(const char*& at) noexcept {
+inline Bytes resolveEscape(const char*& at) noexcept {
   const char letter = at[1];
   at += 2;
-  switch (letter) {
-    case 'b':
-      return {{'\b'}, 1};
-    case 'f':
-      return {{'\f'}, 1};
-    case 'n':
-      return {{'\n'}, 1};
-    case 'r':
-      return {{'\r'}, 1};
-    case 't':
-      return {{'\t'}, 1};
-    case 'u':
-      break;
-    default:
-      return {{letter}, 1};
-  }
+  if (letter != 'u') return {{shortEscape(letter)}, 1};
   unsigned character = hexUnit(at);
   at += 4;
   if (character >= 0xd800 && character < 0xe000) {
@@ -120,6 +134,15 @@ Bytes resolveEscape(const char*& at) noexcept {
     at += 6;
   }
   return utf8(character);
+}
+
+// An integer that has too few digits to be out of range.
+std::int64_t shortInteger(std::string_view number) noexcept {
+  const bool negative = number.front() == '-';
+  if (negative) number.remove_prefix(1);
+  std::int64_t value = 0;
+  for (const char digit : number) value = value * 10 + (digit - '0');
+  return negative ? -value : value;
 }
 
 // Any number, however many digits it has. std::from_chars gets at most as many as can tell a double from the
@@ -152,8 +175,12 @@ double longToDouble(std::string_view number) noexcept {
       if (!fraction && !leadingZero) ++exponent;
       if (fraction && leadingZero) --exponent;
     } else {
-      *out++ = *at;
-      if (fraction) --exponent;
+      const char* const run = at;
+      const auto room = digits + mostDigits - out;
+      const char* const runEnd = skipDigits(run, end - run > room ? run + room : end);
+      out = std::copy(run, runEnd, out);
+      if (fraction) exponent -= runEnd - run;
+      at = runEnd - 1;
     }
   }
   if (out == digits) return negative ? -0.0 : 0.0;
@@ -184,7 +211,32 @@ double longToDouble(std::string_view number) noexcept {
   return value;
 }
 
+// A number of at most fifteen digits without exponent is an integer over a power of ten. Both are exact, so
+// their quotient is the nearest double. Empty for any other number.
+std::optional<double> shortDecimal(std::string_view number) noexcept {
+  constexpr std::size_t mostCharacters = 15 + 1;
+  const bool negative = number.front() == '-';
+  if (negative) number.remove_prefix(1);
+  if (number.size() > mostCharacters) return {};
+  std::int64_t digits = 0;
+  double scale = 1;
+  bool fraction = false;
+  for (const char c : number) {
+    if (isdigit_ascii(c)) {
+      digits = digits * 10 + (c - '0');
+      if (fraction) scale *= 10;
+    } else if (c == '.') {
+      fraction = true;
+    } else {
+      return {};
+    }
+  }
+  const double magnitude = static_cast<double>(digits) / scale;
+  return negative ? -magnitude : magnitude;
+}
+
 double toDouble(std::string_view number) noexcept {
+  if (const auto decimal = shortDecimal(number)) return *decimal;
   constexpr std::size_t shortNumber = 64;
   if (number.size() <= shortNumber) {
     double value = 0.0;
@@ -198,53 +250,27 @@ double toDouble(std::string_view number) noexcept {
 Reader::Reader(std::string_view text) noexcept
     : at_(text.data()), end_(at_ + text.size()), begin_(at_), start_(at_) {}
 
-inline Token Reader::found(Token token, const char* start, const char* at, Expected expected) noexcept {
-  start_ = start;
-  at_ = at;
-  expected_ = expected;
-  return token_ = token;
-}
-
-inline Token Reader::fault(const char* at) noexcept {
-  return found(Token::Error, at, at, Expected::Nothing);
-}
-
 inline bool Reader::inObject() const noexcept {
   return (objects_[(depth_ - 1) / 64] >> ((depth_ - 1) % 64) & 1) != 0;
 }
 
-inline Token Reader::open(Token token, const char* at, Expected expected) noexcept {
-  if (depth_ == maxDepth) return fault(at);
-  const std::uint64_t bit = std::uint64_t{1} << (depth_ % 64);
-  std::uint64_t& word = objects_[depth_ / 64];
-  word = token == Token::ObjectBegin ? word | bit : word & ~bit;
-  ++depth_;
-  return found(token, at, at + 1, expected);
-}
-
-inline Token Reader::close(Token token, const char* at) noexcept {
-  --depth_;
-  return found(token, at, at + 1, Expected::CommaOrEnd);
-}
-
-inline Token Reader::readString(Token token, const char* at, Expected expected) noexcept {
-  const char* const start = at++;
-  const char* const content = at;
+// `start` is the opening quote, `at` what the first run of plain bytes behind it ends with.
+Token Reader::readOddString(Token token, const char* start, const char* at, Expected expected) noexcept {
   bool escaped = false;
-  for (;;) {
-    at = impl::plainRunEnd(at, end_);
-    if (at == end_) return fault(at);
+  for (;; at = impl::plainRunEnd(at, end_)) {
+    for (; at != end_ && *at == '\\'; escaped = true) {
+      const std::size_t length = escapeLength({at, static_cast<std::size_t>(end_ - at)});
+      if (length == badEscape) return Steps::fault(*this, at);
+      if (length == cutEscape) return Steps::fault(*this, end_);
+      at += length;
+    }
+    if (at == end_) return Steps::fault(*this, at);
     if (*at == '"') break;
-    if (*at != '\\') return fault(at);
-    const std::size_t length = escapeLength({at, static_cast<std::size_t>(end_ - at)});
-    if (length == badEscape) return fault(at);
-    if (length == cutEscape) return fault(end_);
-    at += length;
-    escaped = true;
+    if (!impl::isPlain(*at)) return Steps::fault(*this, at);
   }
-  raw_ = {content, static_cast<std::size_t>(at - content)};
+  raw_ = {start + 1, static_cast<std::size_t>(at - start - 1)};
   escaped_ = escaped;
-  return found(token, start, at + 1, expected);
+  return Steps::found(*this, token, start, at + 1, expected);
 }
 
 inline Token Reader::readNumber(const char* at) noexcept {
@@ -260,99 +286,67 @@ inline Token Reader::readNumber(const char* at) noexcept {
   if (at != end_ && *at == '0') {
     ++at;
   } else if (!digits(at)) {
-    return fault(at);
+    return Steps::fault(*this, at);
   }
   if (at != end_ && *at == '.') {
     integral = false;
-    if (!digits(++at)) return fault(at);
+    if (!digits(++at)) return Steps::fault(*this, at);
   }
   if (at != end_ && (*at == 'e' || *at == 'E')) {
     integral = false;
     ++at;
     if (at != end_ && (*at == '+' || *at == '-')) ++at;
-    if (!digits(at)) return fault(at);
+    if (!digits(at)) return Steps::fault(*this, at);
   }
   raw_ = {start, static_cast<std::size_t>(at - start)};
   integral_ = integral;
-  return found(Token::Number, start, at, Expected::CommaOrEnd);
+  return Steps::found(*this, Token::Number, start, at, Expected::CommaOrEnd);
 }
 
 inline Token Reader::readLiteral(Token token, const char* at, std::string_view word) noexcept {
   const char* const start = at;
   for (const char c : word) {
-    if (at == end_ || *at != c) return fault(at);
+    if (at == end_ || *at != c) return Steps::fault(*this, at);
     ++at;
   }
-  return found(token, start, at, Expected::CommaOrEnd);
+  raw_ = {};
+  return Steps::found(*this, token, start, at, Expected::CommaOrEnd);
 }
 
-inline Token Reader::readValue(const char* at) noexcept {
-  if (at == end_) return fault(at);
+Token Reader::readScalar(const char* at) noexcept {
   switch (*at) {
-    case '"':
-      return readString(Token::String, at, Expected::CommaOrEnd);
-    case '{':
-      return open(Token::ObjectBegin, at, Expected::NameOrEnd);
-    case '[':
-      return open(Token::ArrayBegin, at, Expected::ValueOrEnd);
     case 't':
       return readLiteral(Token::True, at, "true");
     case 'f':
       return readLiteral(Token::False, at, "false");
     case 'n':
       return readLiteral(Token::Null, at, "null");
-    case '-':
-    case '0':
-    case '1':
-    case '2':
-    case '3':
-    case '4':
-    case '5':
-    case '6':
-    case '7':
-    case '8':
-    case '9':
-      return readNumber(at);
     default:
-      return fault(at);
+      return *at == '-' || isdigit_ascii(*at) ? readNumber(at) : Steps::fault(*this, at);
   }
-}
-
-inline Token Reader::readName(const char* at) noexcept {
-  if (at == end_ || *at != '"') return fault(at);
-  return readString(Token::Name, at, Expected::Colon);
 }
 
 Token Reader::next() noexcept {
-  if (expected_ == Expected::Nothing) return token_;
-  raw_ = {};
-  const char* at = skipBlanks(at_, end_);
   switch (expected_) {
-    case Expected::ValueOrEnd:
-      if (at != end_ && *at == ']') return close(Token::ArrayEnd, at);
-      break;
-    case Expected::NameOrEnd:
-      if (at != end_ && *at == '}') return close(Token::ObjectEnd, at);
-      return readName(at);
-    case Expected::Colon:
-      if (at == end_ || *at != ':') return fault(at);
-      at = skipBlanks(at + 1, end_);
-      break;
-    case Expected::CommaOrEnd: {
-      if (depth_ == 0) return at == end_ ? found(Token::End, at, at, Expected::Nothing) : fault(at);
-      if (at == end_) return fault(at);
-      const bool object = inObject();
-      if (*at == (object ? '}' : ']')) return close(object ? Token::ObjectEnd : Token::ArrayEnd, at);
-      if (*at != ',') return fault(at);
-      at = skipBlanks(at + 1, end_);
-      if (object) return readName(at);
-      break;
-    }
     case Expected::Value:
+      return Steps::readValue(*this, Steps::skipBlanks(at_, end_));
+    case Expected::ValueOrEnd:
+      return Steps::nextElement(*this);
+    case Expected::NameOrEnd:
+      return Steps::nextName(*this);
+    case Expected::Colon:
+      return Steps::nextValue(*this);
+    case Expected::CommaOrEnd: {
+      if (depth_ != 0) return inObject() ? Steps::nextName(*this) : Steps::nextElement(*this);
+      const char* const at = Steps::skipBlanks(at_, end_);
+      if (at != end_) return Steps::fault(*this, at);
+      raw_ = {};
+      return Steps::found(*this, Token::End, at, at, Expected::Nothing);
+    }
     case Expected::Nothing:
       break;
   }
-  return readValue(at);
+  return token_;
 }
 
 bool Reader::equals(std::string_view text) const noexcept {
@@ -366,7 +360,10 @@ bool Reader::equals(std::string_view text) const noexcept {
     } else {
       ++at;
     }
-    if (!text.starts_with(std::string_view(bytes.data.data(), bytes.size))) return false;
+    if (bytes.size > text.size()) return false;
+    for (std::size_t i = 0; i != bytes.size; ++i) {
+      if (bytes.data[i] != text[i]) return false;
+    }
     text.remove_prefix(bytes.size);
   }
   return text.empty();
@@ -384,7 +381,7 @@ void Reader::copyTo(std::string& out) const {
   while (at != end) {
     if (*at == '\\') {
       const Bytes bytes = resolveEscape(at);
-      to = std::copy_n(bytes.data.data(), bytes.size, to);
+      for (std::size_t i = 0; i != bytes.size; ++i) *to++ = bytes.data[i];
     } else {
       *to++ = *at++;
     }
@@ -397,6 +394,7 @@ std::variant<std::int64_t, std::uint64_t, double> Reader::number() const noexcep
   const char* const first = raw_.data();
   const char* const last = first + raw_.size();
   if (integral_) {
+    if (raw_.size() <= std::numeric_limits<std::int64_t>::digits10) return shortInteger(raw_);
     std::int64_t integer = 0;
     if (std::from_chars(first, last, integer).ec == std::errc()) return integer;
     std::uint64_t natural = 0;
@@ -408,8 +406,14 @@ std::variant<std::int64_t, std::uint64_t, double> Reader::number() const noexcep
 bool Reader::skip() noexcept {
   if (token_ == Token::ObjectBegin || token_ == Token::ArrayBegin) {
     const std::size_t outside = depth_ - 1;
-    while (depth_ != outside) {
-      if (next() == Token::Error) break;
+    while (depth_ != outside && token_ != Token::Error) {
+      if (expected_ == Expected::Colon) {
+        Steps::nextValue(*this);
+      } else if (inObject()) {
+        Steps::nextName(*this);
+      } else {
+        Steps::nextElement(*this);
+      }
     }
   }
   return token_ != Token::Error;

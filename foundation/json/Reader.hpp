@@ -12,6 +12,10 @@
 
 namespace foundation::json {
 
+namespace impl {
+struct ReaderSteps;
+}
+
 /// What a `Reader` finds in a text. Commas and colons are no tokens, the reader checks them on its way.
 enum class Token : std::uint8_t {
   ObjectBegin,
@@ -91,17 +95,15 @@ class FOUNDATION_EXPORT Reader {
   bool skip() noexcept;
 
  private:
+  friend struct impl::ReaderSteps;
+
   enum class Expected : std::uint8_t { Value, ValueOrEnd, NameOrEnd, Colon, CommaOrEnd, Nothing };
 
-  Token found(Token token, const char* start, const char* at, Expected expected) noexcept;
-  Token fault(const char* at) noexcept;
-  Token readValue(const char* at) noexcept;
-  Token readName(const char* at) noexcept;
-  Token readString(Token token, const char* at, Expected expected) noexcept;
+  // What is not worth inlining of the steps: numbers and literals, and strings that have escapes or faults.
+  Token readScalar(const char* at) noexcept;
+  Token readOddString(Token token, const char* start, const char* at, Expected expected) noexcept;
   Token readNumber(const char* at) noexcept;
   Token readLiteral(Token token, const char* at, std::string_view word) noexcept;
-  Token open(Token token, const char* at, Expected expected) noexcept;
-  Token close(Token token, const char* at) noexcept;
   bool inObject() const noexcept;
 
   // Where to read on stands away from what is written with it, lest the compiler join the stores into one

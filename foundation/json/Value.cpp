@@ -40,21 +40,23 @@ std::size_t elementCount(const Value& container) noexcept {
 Value* firstToGo(Value& container) noexcept {
   if (elementCount(container) == 0) return nullptr;
   if (auto* array = container.find<Array>()) return &array->back();
+  // unreachable: there is no third kind that has elements
   if (auto* object = container.find<Object>()) return &object->begin()->second;
-  return nullptr;
+  return nullptr;  // unreachable: likewise
 }
 
 Value* lastToGo(Value& container) noexcept {
   if (elementCount(container) == 0) return nullptr;
   if (auto* array = container.find<Array>()) return &array->front();
+  // unreachable: likewise
   if (auto* object = container.find<Object>()) return &std::prev(object->end())->second;
-  return nullptr;
+  return nullptr;  // unreachable: likewise
 }
 
 void eraseFirstToGo(Value& container) noexcept {
   if (auto* array = container.find<Array>()) {
     array->pop_back();
-  } else if (auto* object = container.find<Object>()) {
+  } else if (auto* object = container.find<Object>()) {  // unreachable: likewise
     object->erase(object->begin());
   }
 }
@@ -94,7 +96,7 @@ void clear(Value& container, int depth) noexcept {
   if (auto* array = container.find<Array>()) {
     for (Value& element : *array) clearElement(element);
     array->clear();
-  } else if (auto* object = container.find<Object>()) {
+  } else if (auto* object = container.find<Object>()) {  // unreachable: likewise
     for (auto& member : *object) clearElement(member.second);
     object->clear();
   }
@@ -195,7 +197,7 @@ bool operator==(const Value& left, const Value& right) {
       for (const Value& element : *array) {
         if (!mayEqual(element, *other++)) return false;
       }
-    } else if (const auto* object = pair.left->find<Object>()) {
+    } else if (const auto* object = pair.left->find<Object>()) {  // unreachable: as in firstToGo
       auto other = std::get<Object>(pair.right->data_).begin();
       for (const auto& [name, value] : *object) {
         if (name != other->first || !mayEqual(value, other->second)) return false;

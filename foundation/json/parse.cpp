@@ -11,6 +11,13 @@
 
 namespace foundation::json {
 
+namespace {
+
+// Of most arrays, which then need not grow.
+constexpr std::size_t usualSize = 4;
+
+}  // namespace
+
 Value parse(std::string_view text) {
   Reader reader(text);
   Value root;
@@ -23,9 +30,13 @@ Value parse(std::string_view text) {
   Object* object = nullptr;  // the innermost one, if it is an object
 
   const auto put = [&](auto&& value) -> Value& {
-    if (array != nullptr) return array->emplace_back(std::forward<decltype(value)>(value));
-    Value& place = object == nullptr ? root : object->try_emplace(object->end(), std::move(name))->second;
-    return place = std::forward<decltype(value)>(value);
+    if (array != nullptr) {
+      if (array->capacity() == 0) array->reserve(usualSize);
+      return array->emplace_back(std::forward<decltype(value)>(value));
+    }
+    if (object == nullptr) return root = std::forward<decltype(value)>(value);
+    return object->insert_or_assign(object->end(), std::move(name), std::forward<decltype(value)>(value))
+        ->second;
   };
   const auto fill = [&](Value* container) {
     array = container == nullptr ? nullptr : container->find<Array>();

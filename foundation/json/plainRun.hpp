@@ -5,8 +5,42 @@
 #include <cstdint>
 #include <cstring>
 
-// Private to the library: what the reader and the writer of strings share.
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
+// Private to the library: where the runs of bytes end of which texts mostly consist.
 namespace foundation::json::impl {
+
+inline constexpr std::uint64_t ones = 0x0101010101010101;
+
+// Eight bytes, the first one lowest.
+inline std::uint64_t eightBytes(const char* at) noexcept {
+  std::uint64_t word;
+  std::memcpy(&word, at, sizeof word);
+  if constexpr (std::endian::native == std::endian::big) word = __builtin_bswap64(word);
+  return word;
+}
+
+// RFC 8259 knows fewer blanks than isspace_ascii.
+constexpr bool isBlank(char c) noexcept {
+  return c == ' ' || c == '\n' || c == '\r' || c == '\t';
+}
+
+// The end of the run of blanks that starts at `at`.
+inline const char* blankRunEnd(const char* at, const char* end) noexcept {
+  while (at != end && isBlank(*at)) {
+    ++at;
+    // Lines are indented by many spaces.
+    for (; end - at >= 8; at += 8) {
+      const std::uint64_t others = eightBytes(at) ^ ' ' * ones;
+      if (others == 0) continue;
+      at += std::countr_zero(others) / 8;
+      break;
+    }
+  }
+  return at;
+}
 
 // Whether a byte stands for itself between quotes.
 constexpr bool isPlain(char c) noexcept {
@@ -15,14 +49,22 @@ constexpr bool isPlain(char c) noexcept {
 
 // The end of the run of plain bytes that starts at `at`.
 inline const char* plainRunEnd(const char* at, const char* end) noexcept {
-  constexpr std::uint64_t ones = 0x0101010101010101;
+#ifdef __SSE2__
+  for (; end - at >= 16; at += 16) {
+    __m128i bytes;
+    std::memcpy(&bytes, at, sizeof bytes);
+    const __m128i control = _mm_cmpeq_epi8(_mm_min_epu8(bytes, _mm_set1_epi8(0x1f)), bytes);
+    const __m128i quote = _mm_cmpeq_epi8(bytes, _mm_set1_epi8('"'));
+    const __m128i backslash = _mm_cmpeq_epi8(bytes, _mm_set1_epi8('\\'));
+    const int stops = _mm_movemask_epi8(_mm_or_si128(control, _mm_or_si128(quote, backslash)));
+    if (stops != 0) return at + std::countr_zero(static_cast<unsigned>(stops));
+  }
+#endif
   constexpr std::uint64_t tops = 0x80 * ones;
   // Eight bytes at a time. Subtracting from a byte that is too small sets its top bit; the borrow can spoil
   // only the bytes above it, so that the lowest bit of `stops` is always right.
   for (; end - at >= 8; at += 8) {
-    std::uint64_t word;
-    std::memcpy(&word, at, sizeof word);
-    if constexpr (std::endian::native == std::endian::big) word = __builtin_bswap64(word);
+    const std::uint64_t word = eightBytes(at);
     const std::uint64_t control = (word - 0x20 * ones) & ~word;
     const std::uint64_t quote = ((word ^ '"' * ones) - ones) & ~(word ^ '"' * ones);
     const std::uint64_t backslash = ((word ^ '\\' * ones) - ones) & ~(word ^ '\\' * ones);

@@ -536,6 +536,25 @@ TEST(Reader, RoundsNumbersOfAnyFormAsAnIndependentReaderDoes) {
   }
 }
 
+// Few digits and no exponent are read in a way of their own.
+TEST(Reader, RoundsShortDecimalsAsAnIndependentReaderDoes) {
+  std::mt19937_64 random(5);
+  for (int round = 0; round < 100'000; ++round) {
+    std::string text = random() % 2 == 0 ? "-" : "";
+    text += std::to_string(random() >> (random() % 64));
+    text += '.';
+    for (auto decimals = 1 + random() % 16; decimals > 0; --decimals) {
+      text += static_cast<char>('0' + random() % (random() % 4 == 0 ? 1 : 10));
+    }
+    Reader reader(text);
+    reader.next();
+
+    ASSERT_EQ(std::bit_cast<std::uint64_t>(std::get<double>(reader.number())),
+              std::bit_cast<std::uint64_t>(referenceDouble(text)))
+        << text;
+  }
+}
+
 TEST(Reader, RoundsTheMiddleBetweenTwoDoublesByTheLastOfItsDigits) {
   std::mt19937_64 random(31);
 

@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <bit>
+#include <charconv>
 #include <cmath>
 #include <limits>
 #include <random>
@@ -126,6 +128,22 @@ TEST(Serialize, WritesNumbersWithTheFewestDigitsAndWholeOnesPlainly) {
                                    {std::numeric_limits<double>::quiet_NaN(), "null"}};
 
   for (const auto& [number, text] : cases) EXPECT_EQ(serialize(number), text);
+}
+
+// Few decimals are written in a way of their own.
+TEST(Serialize, WritesDecimalsAsTheStandardLibraryDoes) {
+  std::mt19937_64 random(5);
+  for (int round = 0; round < 200'000; ++round) {
+    const double decimal =
+        static_cast<double>(random() >> (random() % 64)) / std::pow(10.0, static_cast<double>(random() % 20));
+    const auto beside = std::nextafter(decimal, random() % 2 == 0 ? 0.0 : 1e300);
+    for (const double number : {decimal, -decimal, beside}) {
+      if (looksWhole(number)) continue;
+      std::array<char, 32> digits;
+      const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+      ASSERT_EQ(serialize(number), std::string(digits.data(), end));
+    }
+  }
 }
 
 TEST(Serialize, EscapesQuoteBackslashAndControlCharactersAndNothingElse) {

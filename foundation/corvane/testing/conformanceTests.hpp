@@ -21,7 +21,7 @@ class ConformanceTest : public ::testing::TestWithParam<Conformance> {
 }  // namespace foundation::corvane::testing
 
 /// Puts a protocol through all checks of `foundation::corvane::testing::Conformance`, as GoogleTest's tests
-/// `suite`.ConformsIn/<check>. `protocol` is an expression that gives a `ProtocolUnderTest`; it is evaluated
+/// `suite.ConformsIn/<check>`. `protocol` is an expression that gives a `ProtocolUnderTest`; it is evaluated
 /// for each test. Stands outside of all functions, once for each suite.
 ///
 ///     CORVANE_CONFORMANCE_TESTS(Telemetry, (ProtocolUnderTest{"Telemetry", install, offers, {{2, 0}},

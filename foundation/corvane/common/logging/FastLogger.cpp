@@ -33,11 +33,13 @@ std::shared_ptr<FastLogger> FastLogger::instance() {
 
 void FastLogger::log(const char* text1, const char* text2, const char* text3, const char* text4) noexcept {
   auto* const log = current_.load(std::memory_order_acquire);
+  // unreachable: it is null only once the logger is gone
   if (log != nullptr) LogLayout::record(*log, text1, text2, text3, text4);
 }
 
 const char* FastLogger::save(const std::string& s) {
   auto* const log = current_.load(std::memory_order_acquire);
+  // unreachable: as above
   return log == nullptr ? s.c_str() : log->save(s);
 }
 
@@ -57,6 +59,7 @@ std::shared_ptr<FastLog> FastLogger::snapshot() {
 // program comes to rely on it; in this file, so that a program that links statically has it, too.
 FOUNDATION_KEEP __attribute__((noinline, visibility("hidden"))) void dumpGlobalFastLog();
 
+// unreachable: only a debugger calls it, which the tests of tools/gdb do
 void dumpGlobalFastLog() {
   const auto snapshot = FastLogger::instance()->snapshot();
   std::cout << "Global FastLog:" << std::endl;

@@ -134,8 +134,8 @@ void Registry::setInstalledProtocol(const std::string& protocolName,
     throw std::logic_error("Message serialization protocol installed twice");
   }
   Rollback forgetVersion([&] { versions_.erase(protocolName); });
+  // unreachable: both tables are filled here alone, and together. The version would stay.
   if (!configurations_.try_emplace(protocolName, configuration).second) {
-    // Both tables are filled here alone and together, so no caller gets here; the version would stay.
     forgetVersion.dismiss();
     throw std::logic_error("Message protocol configuration installed twice");
   }

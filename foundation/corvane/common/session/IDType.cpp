@@ -23,9 +23,8 @@ void forgetProcessId() noexcept {
 
 std::int64_t nextSequence() noexcept {
   std::uint64_t next = 0;
-  // Twice only when the counter wraps, after 2^64 identifiers.
   do next = lastSequence.fetch_add(1, std::memory_order_relaxed) + 1;
-  while (next == 0);
+  while (next == 0);  // unreachable: true when the counter wraps, after 2^64 identifiers
   return static_cast<std::int64_t>(next);
 }
 

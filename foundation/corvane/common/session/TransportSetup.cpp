@@ -24,7 +24,10 @@ constexpr unsigned resolveProtocolRequestsLine = 90;
 
 template <class Record>
 std::string documentOf(std::string_view listName, const std::vector<Record>& records) {
-  std::string text = "{\"";
+  constexpr std::size_t usualSize = 1000;  // of the documents of a protocol or two, which then need not grow
+  std::string text;
+  text.reserve(usualSize);
+  text += "{\"";
   text += listName;
   text += "\":";
   detail::appendArray(text, records);

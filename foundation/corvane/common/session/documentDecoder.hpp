@@ -7,6 +7,8 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <type_traits>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -15,6 +17,7 @@
 #include "foundation/corvane/common/session/featureNames.hpp"
 #include "foundation/corvane/common/session/versionNumber.hpp"
 #include "foundation/json/Reader.hpp"
+#include "foundation/json/ReaderSteps.hpp"
 
 // Not installed: the rules by which documents become records, and the one place that knows them. Whoever
 // wants to know what was made of a document looks over the decoder's shoulder, as its observer.
@@ -23,6 +26,8 @@
 // last one. Where the text breaks the grammar the reader stays at `Token::Error`, and what was read until
 // then is worth nothing; the caller looks once, at the end.
 namespace foundation::corvane::common::session::detail {
+
+using Steps = json::impl::ReaderSteps;
 
 /// A member that objects of some kind have. Without a fitting one of each that is required, nothing of the
 /// object counts.
@@ -42,39 +47,58 @@ enum class Misfit : std::uint8_t {
 /// The observer of the readers: sees nothing, costs nothing, and says what an observer can be told.
 struct Unobserved {
   /// An object of these members begins at the reader's token.
-  void beginObject(const json::Reader&, std::span<const Member>) noexcept {}
+  void beginObject(const json::Reader& /*reader*/, std::span<const Member> /*members*/) noexcept {}
   /// The reader's token is the name of a member of the object, the `index`-th of those that it should have;
   /// of no such one if `index` is their number.
-  void member(const json::Reader&, std::size_t /*index*/) noexcept {}
+  void member(const json::Reader& /*reader*/, std::size_t /*index*/) noexcept {}
   /// The member's value begins at the reader's token and counts as not there.
-  void misfit(const json::Reader&, Misfit) noexcept {}
+  void misfit(const json::Reader& /*reader*/, Misfit /*why*/) noexcept {}
   /// The number at the reader's token is `given` but counts as `taken`.
-  void reread(const json::Reader&, double /*given*/, unsigned /*taken*/) noexcept {}
+  void reread(const json::Reader& /*reader*/, double /*given*/, unsigned /*taken*/) noexcept {}
   /// The object ends; `whole` unless it lacks something required.
-  void endObject(const json::Reader&, bool /*whole*/) noexcept {}
+  void endObject(const json::Reader& /*reader*/, bool /*whole*/) noexcept {}
   /// An element of a list begins at the reader's token. It counts if it is an object.
-  void element(const json::Reader&) noexcept {}
+  void element(const json::Reader& /*reader*/) noexcept {}
   /// The element has become the last one of `records`. An observer that does not want them may drop them.
   template <class Record>
   void record(std::vector<Record>& /*records*/) noexcept {}
 };
 
+/// The first number below `size` for which `holds`, `size` if there is none. Each is a constant to it.
+template <std::size_t size, class Holds>
+std::size_t first(const Holds& holds) {
+  return [&]<std::size_t... n>(std::index_sequence<n...>) {
+    std::size_t count = 0;
+    static_cast<void>(((holds(std::integral_constant<std::size_t, n>()) || (++count, false)) || ...));
+    return count;
+  }
+  (std::make_index_sequence<size>());
+}
+
 /// Reads an object. `read(i)` reads the value of the i-th member and says whether it fits; a name may come
 /// again, and the last one counts. Returns whether nothing required is missing.
+// Inlined where it is called, for the members are constants there, and so the names to compare with.
 template <std::size_t size, class Observer, class Read>
-bool readObject(json::Reader& reader, const std::array<Member, size>& members, Observer& observer,
-                const Read& read) {
+[[gnu::always_inline]] inline bool readObject(json::Reader& reader, const std::array<Member, size>& members,
+                                              Observer& observer, const Read& read) {
   unsigned missing = 0;
   for (std::size_t i = 0; i != size; ++i) missing |= members[i].required ? 1U << i : 0U;
   const unsigned required = missing;
   observer.beginObject(reader, members);
-  while (reader.next() == json::Token::Name) {
-    std::size_t i = 0;
-    while (i != size && !reader.equals(members[i].name)) ++i;
-    observer.member(reader, i);
-    reader.next();
+  for (;;) {
+    // Nearly every name is one of these and plain, and to ask for it is faster than to read it.
+    std::size_t i = size;
+    if (const char* const name = Steps::nameAhead(reader)) {
+      i = first<size>([&](auto n) { return Steps::readNameAhead(reader, name, members[n].name); });
+    }
     if (i == size) {
-      reader.skip();
+      if (Steps::nextName(reader) != json::Token::Name) break;
+      i = first<size>([&](auto n) { return Steps::equals(reader, members[n].name); });
+    }
+    observer.member(reader, i);
+    Steps::nextValue(reader);
+    if (i == size) {
+      Steps::skip(reader);
     } else if (read(i)) {
       missing &= ~(1U << i);
     } else {
@@ -85,22 +109,27 @@ bool readObject(json::Reader& reader, const std::array<Member, size>& members, O
   return missing == 0;
 }
 
+/// Enough for most lists, so that they need not grow: a thousand bytes, which allocators still have at hand.
+template <class Record>
+inline constexpr std::size_t firstCapacity = 1024 / sizeof(Record);
+
 /// Reads a list of records, each with `read(record)`; anything but a list is an empty one.
 template <class Record, class Observer, class Read>
 bool readArray(json::Reader& reader, Observer& observer, std::vector<Record>& records, const Read& read) {
   records.clear();
   if (reader.token() != json::Token::ArrayBegin) {
     observer.misfit(reader, Misfit::Kind);
-    reader.skip();
+    Steps::skip(reader);
     return false;
   }
-  while (reader.next() != json::Token::ArrayEnd && reader.token() != json::Token::Error) {
+  while (Steps::nextElement(reader) != json::Token::ArrayEnd && reader.token() != json::Token::Error) {
     observer.element(reader);
     if (reader.token() == json::Token::ObjectBegin) {
+      if (records.capacity() == 0) records.reserve(firstCapacity<Record>);
       read(records.emplace_back());
       observer.record(records);
     } else {
-      reader.skip();
+      Steps::skip(reader);
     }
   }
   return true;
@@ -111,11 +140,11 @@ template <class Observer>
 bool readText(json::Reader& reader, Observer& observer, std::string& text) {
   const bool fits = reader.token() == json::Token::String;
   if (fits) {
-    reader.copyTo(text);
+    Steps::copyTo(reader, text);
   } else {
     text.clear();
     observer.misfit(reader, Misfit::Kind);
-    reader.skip();
+    Steps::skip(reader);
   }
   return fits;
 }
@@ -135,10 +164,10 @@ bool readWord(json::Reader& reader, Observer& observer, Word& word, const Find& 
   word = Word{};
   if (reader.token() != json::Token::String) {
     observer.misfit(reader, Misfit::Kind);
-    reader.skip();
+    Steps::skip(reader);
     return false;
   }
-  word = find([&reader](const char* name) { return reader.equals(name); });
+  word = find([&reader](const char* name) { return Steps::equals(reader, name); });
   if (word == Word{}) observer.misfit(reader, Misfit::Word);
   return word != Word{};
 }
@@ -149,10 +178,10 @@ bool readVersionNumber(json::Reader& reader, Observer& observer, unsigned& numbe
   number = 0;
   if (reader.token() != json::Token::Number) {
     observer.misfit(reader, Misfit::Kind);
-    reader.skip();
+    Steps::skip(reader);
     return true;
   }
-  const double given = std::visit([](auto exact) { return static_cast<double>(exact); }, reader.number());
+  const double given = Steps::number(reader);
   const auto taken = versionNumber(given);
   // deliberate: a minor number of 65535 is as good as any other
   if (!taken || (isMajor && *taken == undefinedVersion.first)) {
@@ -171,7 +200,7 @@ template <class Observer>
 bool readVersion(json::Reader& reader, Observer& observer, std::pair<unsigned, unsigned>& version) {
   if (reader.token() != json::Token::ObjectBegin) {
     observer.misfit(reader, Misfit::Kind);
-    reader.skip();
+    Steps::skip(reader);
     return false;
   }
   version = {0, 0};
@@ -234,10 +263,10 @@ struct Listed<MessageProtocolResolution> {
 /// Reads a record of a protocol, in the same way.
 template <class Observer, class Record>
 void readRecord(json::Reader& reader, Observer& observer, Record& record) {
-  constexpr auto& members = Listed<Record>::members;
-  const bool whole = readObject(reader, members, observer, [&](std::size_t i) {
-    if (members[i].name == "name") return readName(reader, observer, record.name);
-    if (members[i].name == "version") return readVersion(reader, observer, record.version);
+  const bool whole = readObject(reader, Listed<Record>::members, observer, [&](std::size_t i) {
+    const auto name = Listed<Record>::members[i].name;
+    if (name == "name") return readName(reader, observer, record.name);
+    if (name == "version") return readVersion(reader, observer, record.version);
     return readArray(reader, observer, record.*Listed<Record>::list,
                      [&](auto& element) { readRecord(reader, observer, element); });
   });
@@ -249,7 +278,7 @@ template <class Observer, class Record>
 void readDocument(json::Reader& reader, Observer& observer, std::vector<Record>& records) {
   if (reader.token() != json::Token::ObjectBegin) {
     observer.misfit(reader, Misfit::Kind);
-    reader.skip();
+    Steps::skip(reader);
     return;
   }
   readObject(reader, Listed<Record>::document, observer, [&](std::size_t) {

@@ -13,7 +13,7 @@ std::vector<Record> readList(std::string_view text) {
   Reader reader(text);
   std::vector<Record> records;
   Unobserved unobserved;
-  reader.next();
+  Steps::nextValueOfText(reader);
   readDocument(reader, unobserved, records);
   if (reader.next() != Token::End) records.clear();
   return records;

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <initializer_list>
-
 #include "foundation/corvane/common/session/FeatureHandling.hpp"
 #include "foundation/corvane/common/session/FeatureStatus.hpp"
 
@@ -47,22 +45,25 @@ inline const char* nameOf(FeatureStatus status) noexcept {
 
 /// The enumerator for which `isNamed(name)` holds; `undefined` if there is none, for "undefined" is never
 /// asked.
+// Spelled out, for only so compilers see each name where it is compared with.
 template <class IsNamed>
 FeatureHandling findHandling(const IsNamed& isNamed) {
   using enum FeatureHandling;
-  for (const auto handling : {required, optional, preferred}) {
-    if (isNamed(nameOf(handling))) return handling;
-  }
+  if (isNamed(nameOf(required))) return required;
+  if (isNamed(nameOf(optional))) return optional;
+  if (isNamed(nameOf(preferred))) return preferred;
   return undefined;
 }
 
 template <class IsNamed>
 FeatureStatus findStatus(const IsNamed& isNamed) {
   using enum FeatureStatus;
-  for (const auto status : {success, unsupported_error, unsupported_warning, invalid_value_error,
-                            invalid_value_warning, invalid_handling}) {
-    if (isNamed(nameOf(status))) return status;
-  }
+  if (isNamed(nameOf(success))) return success;
+  if (isNamed(nameOf(unsupported_error))) return unsupported_error;
+  if (isNamed(nameOf(unsupported_warning))) return unsupported_warning;
+  if (isNamed(nameOf(invalid_value_error))) return invalid_value_error;
+  if (isNamed(nameOf(invalid_value_warning))) return invalid_value_warning;
+  if (isNamed(nameOf(invalid_handling))) return invalid_handling;
   return undefined;
 }
 

@@ -28,6 +28,14 @@ TEST(IDType, DrawsTheNextNumberOfThisProcess) {
   EXPECT_EQ(second.processId, ::getpid());
 }
 
+TEST(IDType, IsOrderedBySequenceThenByProcess) {
+  std::vector<IDType> ids{{2, 1}, {1, 9}, {1, 3}, {2, 0}};
+
+  std::sort(ids.begin(), ids.end());
+
+  EXPECT_EQ(ids, (std::vector<IDType>{{1, 3}, {1, 9}, {2, 0}, {2, 1}}));
+}
+
 TEST(IDType, TakesGivenNumbersWithoutDrawing) {
   const IDType before;
   const IDType given(-7, 9);

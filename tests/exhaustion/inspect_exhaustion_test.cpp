@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "foundation/corvane/common/serialization/ProtocolRegistry.hpp"
+#include "foundation/corvane/common/serialization/Registry.hpp"
+#include "foundation/corvane/common/session/TransportSetup.hpp"
+#include "foundation/corvane/inspect.hpp"
+#include "tests/exhaustion/exhaust.hpp"
+
+namespace foundation::corvane::inspect {
+namespace {
+
+using namespace common::session;
+using common::serialization::ProtocolRegistry;
+using common::serialization::Registry;
+using exhaustion::exhaust;
+
+// Beyond what a string holds in itself.
+const std::string name(100, 'n');
+const std::string value(100, 'v');
+
+const std::vector<MessageProtocolConfig> configs{
+    {name, {1, 1}, {{name, value, FeatureHandling::required}, {"a", "1", FeatureHandling::preferred}}},
+    {"b", {2, 0}, {{"c", "d", FeatureHandling::optional}}},
+    {name, {3, 0}, {}},
+    {}};
+const std::vector<MessageProtocolResolution> resolutions{
+    {name, {1, 0}, {{name, value, FeatureStatus::success}, {"e", "1", FeatureStatus::unsupported_warning}}},
+    {"nobody asked for this one", {2, 0}, {}}};
+
+Offers offers() {
+  return {name, value, {{name, {{name, value}, {name, "another value of the feature"}}}, {"b", {}}}};
+}
+
+Agreement mine() {
+  return {{{"b", {1, 0}, {{name, value}}},
+           {"c", {1, 0}, {{"x", "1"}}},
+           {name, {1, 0}, {{name, value}, {"y", "2"}}}}};
+}
+
+Agreement theirs() {
+  return {{{"b", {1, 0}, {{name, "another value of the feature"}}},
+           {"c", {2, 0}, {}},
+           {name, {1, 0}, {{"z", "3"}}}}};
+}
+
+TEST(EnumeratorsWithoutMemory, HaveNames) {
+  exhaust({"inspect::toCString(DifferenceKind)", "inspect::toCString(Effect)",
+           "inspect::toCString(FeatureOutcome)", "inspect::toCString(Ground)",
+           "inspect::toCString(ProtocolOutcome)", "inspect::toCString(Rule)", "inspect::toCString(Verdict)",
+           "inspect::listName"},
+          [] {
+            toCString(DifferenceKind::Value);
+            toCString(Effect::Dropped);
+            toCString(FeatureOutcome::ProtocolLost);
+            toCString(Ground::ProtocolLost);
+            toCString(ProtocolOutcome::Undefined);
+            toCString(Rule::VersionRange);
+            toCString(Verdict::Refused);
+            listName(Document::ProtocolOffers);
+          });
+}
+
+TEST(AgreementWithoutMemory, IsTakenOrNot) {
+  const auto registry = Registry::create("a connection");
+  registry->setInstalledProtocol(name, {1, 0}, {{name, value}, {"a", "1"}});
+  registry->setInstalledProtocol("b", {1, 0}, {});
+  exhaust({"inspect::agreement(Registry)"}, [&] { return agreement(*registry); });
+
+  const std::vector<common::session::MessageProtocolResolution> answer{
+      {name, {1, 0}, {{name, value, common::session::FeatureStatus::success}}}, {"b", {1, 0}, {}}};
+  exhaust({"inspect::agreement(vector<MessageProtocolResolution>)"}, [&] { return agreement(answer); });
+}
+
+TEST(AgreementWithoutMemory, IsToldOrNot) {
+  exhaust({"inspect::toJSON(Agreement)"}, mine, [](const Agreement& given) { return toJSON(given); });
+  exhaust({"inspect::fingerprint"}, mine, [](const Agreement& given) { return fingerprint(given); });
+  exhaust(
+      {"inspect::difference"}, [] { return std::pair(mine(), theirs()); },
+      [](const auto& ends) { return difference(ends.first, ends.second); });
+  exhaust(
+      {"inspect::toText(vector<Difference>, string, string)"}, [] { return difference(mine(), theirs()); },
+      [](const std::vector<Difference>& differences) { return toText(differences, name, value); });
+}
+
+TEST(OffersWithoutMemory, AreTakenWrittenAndReadOrNot) {
+  const auto protocols = ProtocolRegistry::create(name, value);
+  protocols->registerProtocolInitializer(name, {}, {{name, value}, {"a", "1"}});
+  exhaust({"inspect::offersOf"}, [&] { return offersOf(*protocols); });
+  exhaust({"inspect::toJSON(Offers)"}, offers, [](const Offers& given) { return toJSON(given); });
+  const auto text = toJSON(offers());
+  exhaust({"inspect::toOffers"}, [&] { return toOffers(text); });
+}
+
+TEST(NegotiationWithoutMemory, IsRehearsedOrNot) {
+  exhaust({"inspect::rehearse"}, offers, [](const Offers& given) { return rehearse(configs, given); });
+}
+
+TEST(NegotiationWithoutMemory, IsExplainedOrNot) {
+  exhaust({"inspect::explain(vector<MessageProtocolConfig>, vector<MessageProtocolResolution>)"},
+          [] { return explain(configs, resolutions); });
+  exhaust({"inspect::explain(vector<MessageProtocolConfig>, vector<MessageProtocolResolution>, Offers)"},
+          offers, [](const Offers& given) { return explain(configs, resolutions, given); });
+  const auto explanation = [] { return explain(configs, resolutions); };
+  exhaust({"inspect::toJSON(Explanation)"}, explanation,
+          [](const Explanation& given) { return toJSON(given); });
+  for (const auto colour : {Colour::Off, Colour::On}) {
+    exhaust({"inspect::toText(Explanation, Colour)"}, explanation,
+            [&](const Explanation& given) { return toText(given, colour); });
+  }
+}
+
+TEST(NegotiationWithoutMemory, IsJudgedOrNot) {
+  exhaust({"inspect::judge"}, [] { return judge(configs, resolutions); });
+}
+
+// A document in which a good deal is wrong.
+const std::string faulty =
+    R"({"protocolConfigs":[{"features":[{"handling":"none of the words for it","name":"a","value":"b"},1],)"
+    R"("name":"a name that is long enough for memory","a member that nobody reads":{"deep":[1,{"more":2}]},)"
+    R"("version":{"major":1.5,"minor":0}},{"name":"","version":{}},2,{"name":"x","name":"y"}]})";
+
+TEST(DiagnosisWithoutMemory, IsMadeOrNot) {
+  const auto document = Document::ProtocolConfigs;
+  exhaust({"inspect::documentOf"}, [] { return documentOf(faulty); });
+  exhaust({"inspect::diagnose(Document, string_view)"}, [&] { return diagnose(document, faulty); });
+  exhaust({"inspect::diagnose(string_view)"}, [] { return diagnose(faulty); });
+  exhaust({"inspect::diagnose(string_view)"},
+          [] { return diagnose(std::string_view(faulty).substr(0, 99)); });
+
+  std::size_t count = 0;
+  const FindingVisitor visit = [&count](const Finding& finding) {
+    ++count;
+    return !finding.message.empty();
+  };
+  const auto counting = [&](const auto& call) {
+    return [&, call] {
+      count = 0;
+      call();
+      return count;
+    };
+  };
+  exhaust({"inspect::diagnose(Document, string_view, function<bool (Finding)>)"},
+          counting([&] { diagnose(document, faulty, visit); }));
+  exhaust({"inspect::diagnose(string_view, function<bool (Finding)>)"},
+          counting([&] { diagnose(faulty, visit); }));
+}
+
+}  // namespace
+}  // namespace foundation::corvane::inspect
