@@ -11,21 +11,19 @@
 #endif
 
 // Where the memory really comes from: a sanitizer's functions, so that it goes on watching, or the C
-// library's. The thread sanitizer does not let anybody come before its own, so there the malloc family is not
+// library's. The sanitizers do not let anybody come before their own, so there the malloc family is not
 // watched.
-#if defined(__SANITIZE_THREAD__) || HAS_FEATURE(thread_sanitizer)
+#if defined(__SANITIZE_ADDRESS__) || HAS_FEATURE(address_sanitizer)
+#include <sanitizer/lsan_interface.h>
+#define SEEKS_LEAKS 1
+#endif
+#if defined(SEEKS_LEAKS) || defined(__SANITIZE_THREAD__) || HAS_FEATURE(thread_sanitizer)
 #include <malloc.h>
 #define WATCHES_MALLOC 0
 #define SYSTEM(function) function
 #else
 #define WATCHES_MALLOC 1
-#if defined(__SANITIZE_ADDRESS__) || HAS_FEATURE(address_sanitizer)
-#include <sanitizer/lsan_interface.h>
-#define SEEKS_LEAKS 1
-#define SYSTEM(function) __interceptor_##function
-#else
 #define SYSTEM(function) __libc_##function
-#endif
 extern "C" {
 void* SYSTEM(malloc)(std::size_t size) noexcept;
 void* SYSTEM(calloc)(std::size_t count, std::size_t size) noexcept;

@@ -150,7 +150,7 @@ struct ReaderSteps {
  private:
   // Not std::string_view's ==, of which compilers do not see that no more than equality is asked for.
   static bool startsWith(const char* at, std::string_view text) noexcept {
-    return std::memcmp(at, text.data(), text.size()) == 0;
+    return text.empty() || std::memcmp(at, text.data(), text.size()) == 0;  // `at` may be null then
   }
 
   static Token readString(Reader& reader, Token token, const char* at, Expected expected) noexcept {

@@ -193,7 +193,9 @@ Outcomes exhaustInProcesses(Operations operations, const Given& given, const Whe
   auto fresh = given();
   when(fresh);
   Outcomes outcomes;
-  for (const auto& [way, fail] : impl::ways) {
+  for (const auto& entry : impl::ways) {
+    const auto* const way = entry.name;
+    const auto fail = entry.fail;
     for (std::size_t n = 1;; ++n) {
       const testing::ScopedTrace trace(__FILE__, __LINE__,
                                        testing::Message()

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 // What dumpFastLog does where the kernel takes less than it is given. A program of its own: it replaces
 // write().
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/syscall.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -19,6 +21,10 @@ namespace {
 constexpr int theDump = 1000;  // no such descriptor is ever open
 std::string taken;
 std::function<ssize_t(std::size_t)> kernel;  // how much it takes of so many bytes
+bool readsDirectly = true;
+bool readsWhole = true;
+bool makesPipes = true;
+int pipesMade = 0;
 
 }  // namespace
 
@@ -27,6 +33,25 @@ extern "C" ssize_t write(int fd, const void* from, std::size_t size) {
   const auto written = kernel(size);
   if (written > 0) taken.append(static_cast<const char*>(from), static_cast<std::size_t>(written));
   return written;
+}
+
+extern "C" ssize_t process_vm_readv(pid_t process, const iovec* local, unsigned long localCount,
+                                    const iovec* remote, unsigned long remoteCount, unsigned long flags) {
+  if (readsDirectly && !readsWhole) return static_cast<ssize_t>(local->iov_len) - 1;
+  if (readsDirectly) {
+    return ::syscall(SYS_process_vm_readv, process, local, localCount, remote, remoteCount, flags);
+  }
+  errno = EPERM;
+  return -1;
+}
+
+extern "C" int pipe2(int* ends, int flags) noexcept {
+  if (!makesPipes) {
+    errno = EMFILE;
+    return -1;
+  }
+  ++pipesMade;
+  return static_cast<int>(::syscall(SYS_pipe2, ends, flags));
 }
 
 namespace foundation::corvane::common::logging {
@@ -86,6 +111,52 @@ TEST_F(DumpFastLogFaults, StopsWhereNothingMoreIsTaken) {
     EXPECT_EQ(calls, 2) << "asked again after error " << error;
     EXPECT_EQ(errno, ENOENT);
   }
+}
+
+int lowestFreeDescriptor() {
+  const int free = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+  ::close(free);
+  return free;
+}
+
+TEST_F(DumpFastLogFaults, ReadsThroughOnePipeAndClosesIt) {
+  const auto whole = dump(everything);
+  const int free = lowestFreeDescriptor();
+  readsDirectly = false;
+  pipesMade = 0;
+
+  const auto text = dump(everything);
+
+  readsDirectly = true;
+  EXPECT_EQ(text, whole);
+  EXPECT_EQ(pipesMade, 1);
+  EXPECT_EQ(lowestFreeDescriptor(), free);
+}
+
+TEST_F(DumpFastLogFaults, SaysWhereNoTextCanBeRead) {
+  const int free = lowestFreeDescriptor();
+  readsDirectly = makesPipes = false;
+
+  const auto text = dump(everything);
+
+  readsDirectly = makesPipes = true;
+  EXPECT_THAT(text,
+              StartsWith("Log size = 100\n"
+                         "   0  (0): <unreadable>    <unreadable>              <null>     <unreadable>"));
+  EXPECT_EQ(lowestFreeDescriptor(), free);
+}
+
+TEST_F(DumpFastLogFaults, CountsATextThatIsReadInPartAsUnreadable) {
+  readsWhole = false;
+  pipesMade = 0;
+
+  const auto text = dump(everything);
+
+  readsWhole = true;
+  EXPECT_THAT(text,
+              StartsWith("Log size = 100\n"
+                         "   0  (0): <unreadable>    <unreadable>              <null>     <unreadable>"));
+  EXPECT_EQ(pipesMade, 0) << "asked in another way";
 }
 
 TEST_F(DumpFastLogFaults, CountsATextOfMoreThanAMebibyteAsUnreadable) {
