@@ -75,6 +75,7 @@ list_group() {
       need pkg-config "one of the ways to find the package, which is tested" has_program pkg-config
       need binutils "to look at the libraries' symbols" has_program nm
       need gdb "to test the debugger's view" has_program gdb
+      need rapidjson-dev "a second opinion on JSON texts" has_header rapidjson/reader.h
       need libfmt-dev "to test that values can be formatted with it" has_header fmt/format.h
       need python3 "runs the validator of JSON schemas" has_program python3
       need python3-jsonschema "that validator" has_json_schema
@@ -106,6 +107,25 @@ list_group() {
       need clang-format "the formatting" has_program clang-format
       need clang-tidy "the static checks" has_program clang-tidy
       ;;
+    packaging)
+      need dpkg-dev "builds Debian packages" has_program dpkg-buildpackage
+      need fakeroot "gives the files in them to root" has_program fakeroot
+      need debhelper "what debian/rules is written with" has_program dh
+      need lintian "judges the packages" has_program lintian
+      need debootstrap "makes a bare Debian to try them in" has_program debootstrap
+      need reuse "checks that every file has a licence, and lists the contents" has_program reuse
+      need python3 "writes the list of the exported symbols and the bill of materials" has_program python3
+      ;;
+    build-depends)  # known to dpkg, which is not satisfied by what the build would find
+      local package
+      for package in $(dpkg-checkbuilddeps 2>&1 | sed -n 's/.*Unmet build dependencies: //p' | sed 's/([^)]*)//g'); do
+        need "$package" "named in debian/control" false
+      done
+      ;;
+    docs)
+      need doxygen "makes the site of the comments and the pages" has_program doxygen
+      need python3 "prepares the pages for it" has_program python3
+      ;;
     model)
       need spin "checks the model of the event log" has_program spin
       need gcc "compiles what it makes of the model" has_program cc
@@ -117,6 +137,7 @@ list_group() {
     worlds)
       need debootstrap "makes the trees of other releases" has_program debootstrap
       need valgrind "looks at every access to memory" has_program valgrind
+      need googletest "the test framework, to be built with other flags" test -f /usr/src/googletest/CMakeLists.txt
       need qemu-user-static "runs programs of the other byte order" has_program qemu-s390x-static
       need g++-s390x-linux-gnu "compiles them" has_program s390x-linux-gnu-g++
       ;;

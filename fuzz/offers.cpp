@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: Apache-2.0
+// What a process offers: what is read of it, and what is said of that.
+#include "foundation/corvane/inspect/Offers.hpp"
+
+#include <algorithm>
+#include <string>
+
+#include "fuzz/check.hpp"
+#include "fuzz/model/findings.hpp"
+#include "fuzz/model/records.hpp"
+
+void fuzz::look(std::string_view text) {
+  const auto offers = inspect::toOffers(text);
+  const auto tree = readNode(text);
+
+  FUZZ_CHECK(offers == offersOf(tree));
+  const auto written = inspect::toJSON(offers);
+  FUZZ_CHECK(inspect::toOffers(written) == offers);
+
+  const auto isWhole = [](const inspect::ProtocolOffer& offer) {
+    return !offer.name.empty() &&
+           std::count(offer.features.begin(), offer.features.end(), session::FeatureRequest{}) == 0;
+  };
+  const auto* list = tree ? tree->find("protocolOffers") : nullptr;
+  const bool kept = list != nullptr && list->is(Node::Kind::Array) &&
+                    list->elements.size() == offers.protocols.size() &&
+                    std::all_of(offers.protocols.begin(), offers.protocols.end(), isWhole);
+  checkDiagnosis(inspect::Document::ProtocolOffers, text, tree, written, kept);
+}
