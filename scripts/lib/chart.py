@@ -1,9 +1,9 @@
 # SPDX-License-Identifier: Apache-2.0
-"""Draws the tables of one subject as horizontal bars, in an SVG that is readable on a light page and on a dark one."""
+"""Draws the tables of one subject as a column of lines, in an SVG that is readable on a light page and on a dark one."""
 import math
 from html import escape
 
-WIDTH, LABELS, VALUES, BAR, GAP = 860, 330, 110, 14, 8
+WIDTH, LABELS, VALUES, THICKNESS, GAP = 860, 330, 110, 14, 8
 
 STYLE = """
   text { font: 12px system-ui, sans-serif; fill: #24292f; }
@@ -19,11 +19,11 @@ STYLE = """
 
 
 def scale(values):
-    """How long a bar is, from 0 to 1, and whether the scale is logarithmic."""
+    """How long a line is, from 0 to 1, and whether the scale is logarithmic."""
     low, high = min(values), max(values)
     if high <= 20 * low:
         return (lambda value: value / high), False
-    floor = math.log10(low) - 0.5  # the smallest is a bar, too
+    floor = math.log10(low) - 0.5  # the smallest is a line, too
     return (lambda value: (math.log10(value) - floor) / (math.log10(high) - floor)), True
 
 
@@ -48,14 +48,14 @@ def draw_table(table, top, number):
     for row in rows:
         width = across(row.value)
         elements += [text(LABELS - 8, y + 11, row.name, "", "end"),
-                     f'<rect x="{LABELS}" y="{y}" width="{width}" height="{BAR}" rx="2" class="{row.role}"/>',
+                     f'<rect x="{LABELS}" y="{y}" width="{width}" height="{THICKNESS}" rx="2" class="{row.role}"/>',
                      text(LABELS + width + 6, y + 11, number(row.value), "faint")]
         if wanted and row.role == "ours":
-            # Where the bar has to end, and the figure beside it out of the way.
+            # Where the line has to end, and the figure beside it out of the way.
             x = LABELS + across(wanted)
             elements[-1] = text(max(LABELS + width, x) + 6, y + 11, number(row.value), "faint")
-            elements.append(f'<path d="M{x} {y - 3}v{BAR + 6}" class="wanted"/>')
-        y += BAR + GAP
+            elements.append(f'<path d="M{x} {y - 3}v{THICKNESS + 6}" class="wanted"/>')
+        y += THICKNESS + GAP
     return elements, y + 14
 
 

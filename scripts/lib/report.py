@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: Apache-2.0
 """Shows what scripts/bench has measured; with --write DOCS also as DOCS/performance.md and its charts.
 
-Reads RESULTS/<subject>.json, in Google Benchmark's format, and benchmarks/<subject>/bars.json, which says what the
+Reads RESULTS/<subject>.json, in Google Benchmark's format, and benchmarks/<subject>/targets.json, which says what the
 tables show. The first row of a table is ours. Each other row is what it is compared with: the ratio is ours divided by
 that row, each being the median of its repetitions, unless the row names a counter that holds the ratio.
 """
@@ -33,7 +33,7 @@ class Row:
     role: str  # ours, limit or peer
     value: Optional[float] = None  # in the table's quantity; nanoseconds unless it says otherwise
     ratio: Optional[float] = None  # ours / this
-    bar: str = ""  # the figure that is to be kept
+    aim: str = ""  # the figure that is to be kept
     wanted: Optional[float] = None  # the same as what ours may cost
     kept: Optional[bool] = None
     missing: str = ""
@@ -95,11 +95,11 @@ def judge(row, spec, ours, results):
         return
     row.ratio = results.median(spec["benchmark"], spec["ratio"]) if "ratio" in spec else ours / row.value
     if "at_most" in spec:
-        row.bar = f"at most {spec['at_most']:g} x"
+        row.aim = f"at most {spec['at_most']:g} x"
         row.wanted = row.value * spec["at_most"]
         row.kept = row.ratio <= spec["at_most"]
     elif "faster_at_least" in spec:
-        row.bar = f"at most 1/{spec['faster_at_least']:g}"
+        row.aim = f"at most 1/{spec['faster_at_least']:g}"
         row.wanted = row.value / spec["faster_at_least"]
         row.kept = row.ratio * spec["faster_at_least"] <= 1
 
@@ -137,7 +137,7 @@ def cells(row):
     value = number(row.value) if row.value is not None else "-"
     ratio = ratio_text(row)
     verdict = {True: "kept", False: "**missed**", None: ""}[row.kept]
-    return [row.name, value, ratio or row.missing, row.bar, verdict]
+    return [row.name, value, ratio or row.missing, row.aim, verdict]
 
 
 def heading(table):
@@ -149,8 +149,8 @@ def as_text(subject, tables):
     for table in tables:
         rows = [cells(row) for row in table.rows]
         lines.append(f"\n  {table.title} ({heading(table)[1]})")
-        lines += [f"    {name:<46} {value:>12}  {ratio:>10}  {bar:<22} {verdict.strip('*')}".rstrip()
-                  for name, value, ratio, bar, verdict in rows]
+        lines += [f"    {name:<46} {value:>12}  {ratio:>10}  {aim:<22} {verdict.strip('*')}".rstrip()
+                  for name, value, ratio, aim, verdict in rows]
     return "\n".join(lines)
 
 
@@ -232,7 +232,7 @@ def write(docs, measured):
         f"Of {len(judged)} figures that we want to keep, {len(judged) - len(missed)} are kept.",
         "",
     ]
-    lines += [f"- Missed: {table.title}, against {row.name}: {ratio_text(row)}, wanted {row.bar}."
+    lines += [f"- Missed: {table.title}, against {row.name}: {ratio_text(row)}, wanted {row.aim}."
               for table, row in missed]
     lines += [""] if missed else []
     lines += ["    scripts/bench", "", *machine(), ""]
@@ -253,9 +253,9 @@ def main():
 
     measured = []
     for subject in arguments.subjects:
-        bars = json.loads((ROOT / "benchmarks" / subject / "bars.json").read_text())
+        targets = json.loads((ROOT / "benchmarks" / subject / "targets.json").read_text())
         results = Results(arguments.results / f"{subject}.json")
-        measured.append((subject, bars["title"], [read_table(spec, results) for spec in bars["tables"]]))
+        measured.append((subject, targets["title"], [read_table(spec, results) for spec in targets["tables"]]))
     for _, title, tables in measured:
         print(as_text(title, tables))
     if arguments.write:
