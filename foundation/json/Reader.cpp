@@ -327,7 +327,7 @@ Token Reader::readScalar(const char* at) noexcept {
 }
 
 Token Reader::next() noexcept {
-  switch (expected_) {
+  switch (expected_) {  // unreachable: there is no other expectation
     case Expected::Value:
       return Steps::readValue(*this, Steps::skipBlanks(at_, end_));
     case Expected::ValueOrEnd:

@@ -7,20 +7,20 @@ namespace foundation::json {
 
 namespace {
 
+const char* kindOf(const Value& value) noexcept {
+  if (value.is<bool>()) return "bool";
+  if (value.is<double>()) return "double";
+  if (value.is<std::int64_t>()) return "int64";
+  if (value.is<std::uint64_t>()) return "uint64";
+  if (value.is<std::string>()) return "string";
+  if (value.is<Array>()) return "array";
+  if (value.is<Object>()) return "object";
+  return "null";
+}
+
 template <class T>
 [[noreturn]] void throwConversionError(const Value& from) {
-  const Value to = T();
-  const auto kind = [](const Value& value) {
-    if (value.is<bool>()) return "bool";
-    if (value.is<double>()) return "double";
-    if (value.is<std::int64_t>()) return "int64";
-    if (value.is<std::uint64_t>()) return "uint64";
-    if (value.is<std::string>()) return "string";
-    if (value.is<Array>()) return "array";
-    if (value.is<Object>()) return "object";
-    return "null";
-  };
-  throw conversion_error(std::string("invalid conversion: ") + kind(from) + " to " + kind(to));
+  throw conversion_error(std::string("invalid conversion: ") + kindOf(from) + " to " + kindOf(T()));
 }
 
 template <class T>

@@ -44,7 +44,7 @@ Value parse(std::string_view text) {
   };
 
   for (;;) {
-    switch (reader.next()) {
+    switch (reader.next()) {  // unreachable: there is no other token
       case Token::ObjectBegin:
         fill(open[reader.depth() - 1] = &put(Object()));
         break;

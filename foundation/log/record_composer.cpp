@@ -31,7 +31,8 @@ struct record_composer::composition {
 
 record_composer::composition* record_composer::open(basic_diagnostic_logger& logger, std::uint32_t severity) {
   auto record = logger.open_record(severity);
-  return record ? new composition(logger, std::move(record)) : nullptr;
+  if (!record) return nullptr;
+  return new composition(logger, std::move(record));
 }
 
 record_composer::composition* record_composer::open(file_logger& logger, std::uint32_t severity) {

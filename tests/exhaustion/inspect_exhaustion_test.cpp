@@ -106,6 +106,17 @@ TEST(NegotiationWithoutMemory, IsExplainedOrNot) {
   exhaust({"inspect::explain(vector<MessageProtocolConfig>, vector<MessageProtocolResolution>, Offers)"},
           offers, [](const Offers& given) { return explain(configs, resolutions, given); });
   const auto explanation = [] { return explain(configs, resolutions); };
+  const auto writtenBy = [](const auto& write) {
+    std::string text;
+    write([&](std::string_view piece) { text += piece; });
+    return text;
+  };
+  exhaust({"inspect::writeJSON"}, explanation, [&](const Explanation& given) {
+    return writtenBy([&](const TextSink& sink) { writeJSON(given, sink); });
+  });
+  exhaust({"inspect::writeText"}, explanation, [&](const Explanation& given) {
+    return writtenBy([&](const TextSink& sink) { writeText(given, Colour::Off, sink); });
+  });
   exhaust({"inspect::toJSON(Explanation)"}, explanation,
           [](const Explanation& given) { return toJSON(given); });
   for (const auto colour : {Colour::Off, Colour::On}) {

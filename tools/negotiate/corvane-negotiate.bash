@@ -44,7 +44,8 @@ _corvane_negotiate() {
     --refuse) _corvane_negotiate_refuse "$word" ;;
     --max) ;;
     *)
-      if [[ $word == -* ]]; then
+      # Behind "--" there are files only.
+      if [[ $word == -* && " ${COMP_WORDS[*]:0:COMP_CWORD} " != *" -- "* ]]; then
         COMPREPLY=($(compgen -W "$(_corvane_negotiate_options "${COMP_WORDS[1]}")" -- "$word"))
       else
         compopt -o filenames 2>/dev/null

@@ -2,6 +2,7 @@
 #include "documents.hpp"
 
 #include <cstddef>
+#include <utility>
 
 #include "complain.hpp"
 #include "findingText.hpp"
@@ -48,37 +49,41 @@ Findings findingsOf(const std::string& file, inspect::Document document, const s
   return findings;
 }
 
-struct Text {
-  std::string text;
-  Findings findings;
-};
+// Readers make room for more elements than most records have.
+template <class Records, class List>
+Records shrunk(Records records, List list) {
+  for (auto& record : records) (record.*list).shrink_to_fit();
+  return records;
+}
 
-Text readDocument(const std::string& file, inspect::Document document) {
-  Text result{readFile(file), {}};
-  result.findings = findingsOf(file, document, result.text);
-  const auto& findings = result.findings;
+}  // namespace
+
+Document readDocument(const std::string& file, inspect::Document kind) {
+  Document document{file, kind, readFile(file), 0};
+  const auto findings = findingsOf(file, kind, document.text);
+  document.misread = findings.misread;
   for (const auto& line : findings.lines) tell(line);
   if (findings.count > mostTold) {
     complain("there are " + std::to_string(findings.count - mostTold) +
              " more findings: see corvane-negotiate lint " + file);
   }
-  return result;
+  return document;
 }
 
-}  // namespace
-
-Request readRequest(const std::string& file) {
-  const auto [text, findings] = readDocument(file, inspect::Document::ProtocolConfigs);
-  return {session::toConfigs(text), findings.misread};
+Request toRequest(Document document) {
+  return {shrunk(session::toConfigs(document.text), &session::MessageProtocolConfig::features),
+          document.misread};
 }
 
-Answer readAnswer(const std::string& file) {
-  const auto [text, findings] = readDocument(file, inspect::Document::ProtocolResolutions);
-  return {session::toResolutions(text), findings.misread};
+Answer toAnswer(Document document) {
+  return {shrunk(session::toResolutions(document.text), &session::MessageProtocolResolution::resolutions),
+          document.misread};
 }
 
-inspect::Offers readOffers(const std::string& file) {
-  return inspect::toOffers(readDocument(file, inspect::Document::ProtocolOffers).text);
+inspect::Offers toOffers(Document document) {
+  auto offers = inspect::toOffers(document.text);
+  offers.protocols = shrunk(std::move(offers.protocols), &inspect::ProtocolOffer::features);
+  return offers;
 }
 
 }  // namespace negotiate

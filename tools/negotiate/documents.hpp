@@ -7,17 +7,29 @@
 
 #include "foundation/corvane/common/session/MessageProtocolConfig.hpp"
 #include "foundation/corvane/common/session/MessageProtocolResolution.hpp"
+#include "foundation/corvane/inspect/Document.hpp"
 #include "foundation/corvane/inspect/Offers.hpp"
 
-// The records of the documents in files. What their readers drop, default or reread is told on standard
+// The documents in files, and their records. What readers of them drop, default or reread is told on standard
 // error: often enough it is the very reason why two ends do not agree.
-//
-// All three throw InputError where there is nothing to explain: when the file cannot be read, is no JSON, or
-// has not the list that is looked for.
 namespace negotiate {
 
-/// What a document lists, and at how many places the reader did not take what is there as it stands. That an
-/// optional member is not there is no such place.
+/// The text of a document, until its records are wanted. There is something to explain in it: it is JSON, and
+/// has its list.
+struct Document {
+  std::string file;
+  foundation::corvane::inspect::Document kind = foundation::corvane::inspect::Document::ProtocolConfigs;
+  std::string text;
+  /// At how many places a reader does not take what is there as it stands. That an optional member is not
+  /// there is no such place.
+  std::size_t misread = 0;
+};
+
+/// Reads a document, and tells its first findings.
+/// @throws InputError when the file cannot be read, or has not the list that is looked for.
+Document readDocument(const std::string& file, foundation::corvane::inspect::Document kind);
+
+/// What a document lists, and at how many places it was misread.
 template <class Record>
 struct Read {
   std::vector<Record> records;
@@ -27,8 +39,9 @@ struct Read {
 using Request = Read<foundation::corvane::common::session::MessageProtocolConfig>;
 using Answer = Read<foundation::corvane::common::session::MessageProtocolResolution>;
 
-Request readRequest(const std::string& file);
-Answer readAnswer(const std::string& file);
-foundation::corvane::inspect::Offers readOffers(const std::string& file);
+// They take the document, so that its text is not kept beside its records.
+Request toRequest(Document document);
+Answer toAnswer(Document document);
+foundation::corvane::inspect::Offers toOffers(Document document);
 
 }  // namespace negotiate

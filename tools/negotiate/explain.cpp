@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <utility>
+#include <vector>
+
 #include "commands.hpp"
 #include "documents.hpp"
 #include "judgeRead.hpp"
@@ -8,12 +11,20 @@ namespace negotiate {
 
 ExitStatus explain(const Options& options, Output& out) {
   namespace inspect = foundation::corvane::inspect;
-  const auto request = readRequest(options.files.at(0));
-  const auto answer = readAnswer(options.files.at(1));
-  const auto explanation =
-      options.offers.empty() ? inspect::explain(request.records, answer.records)
-                             : inspect::explain(request.records, answer.records, readOffers(options.offers));
-  return report(explanation, judgeRead(request, answer, options.refusals), options, out);
+  std::vector<Document> documents;
+  documents.push_back(readDocument(options.files.at(0), inspect::Document::ProtocolConfigs));
+  documents.push_back(readDocument(options.files.at(1), inspect::Document::ProtocolResolutions));
+  if (!options.offers.empty()) {
+    documents.push_back(readDocument(options.offers, inspect::Document::ProtocolOffers));
+  }
+  report(documents, options, out);
+  const auto request = toRequest(std::move(documents[0]));
+  const auto answer = toAnswer(std::move(documents[1]));
+  report(options.offers.empty()
+             ? inspect::explain(request.records, answer.records)
+             : inspect::explain(request.records, answer.records, toOffers(std::move(documents[2]))),
+         options, out);
+  return report(judgeRead(request, answer, options.refusals), options, out);
 }
 
 }  // namespace negotiate

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "complain.hpp"
+#include "foundation/corvane/inspect/wellFormed.hpp"
 #include "foundation/json.hpp"
 #include "readFile.hpp"
 
@@ -19,17 +20,18 @@ std::string toLine(const std::string& file, const inspect::Finding& finding) {
   return printable(line);
 }
 
-std::string toJsonLine(const std::string& file, inspect::Document document, const inspect::Finding& finding) {
+std::string toJson(const std::string& file, inspect::Document document, const inspect::Finding& finding) {
   const auto number = [](std::size_t value) { return json::Value(static_cast<std::uint64_t>(value)); };
-  return json::serialize(json::Object{{"file", shownName(file)},
-                                      {"document", inspect::listName(document)},
-                                      {"rule", inspect::toCString(finding.rule)},
-                                      {"effect", inspect::toCString(finding.effect)},
-                                      {"pointer", finding.pointer},
-                                      {"offset", number(finding.offset)},
-                                      {"line", number(finding.line)},
-                                      {"column", number(finding.column)},
-                                      {"message", finding.message}});
+  return inspect::detail::wellFormed(
+      json::serialize(json::Object{{"file", shownName(file)},
+                                   {"document", inspect::listName(document)},
+                                   {"rule", inspect::toCString(finding.rule)},
+                                   {"effect", inspect::toCString(finding.effect)},
+                                   {"pointer", finding.pointer},
+                                   {"offset", number(finding.offset)},
+                                   {"line", number(finding.line)},
+                                   {"column", number(finding.column)},
+                                   {"message", finding.message}}));
 }
 
 }  // namespace negotiate

@@ -11,8 +11,8 @@ namespace negotiate {
 /// "file:line:column: message [Rule] /pointer", as compilers tell where something is.
 std::string toLine(const std::string& file, const foundation::corvane::inspect::Finding& finding);
 
-/// All of it as one JSON object in a line.
-std::string toJsonLine(const std::string& file, foundation::corvane::inspect::Document document,
-                       const foundation::corvane::inspect::Finding& finding);
+/// All of it as one JSON object in a line: UTF-8, with U+FFFD for what is ill-formed in the texts.
+std::string toJson(const std::string& file, foundation::corvane::inspect::Document document,
+                   const foundation::corvane::inspect::Finding& finding);
 
 }  // namespace negotiate

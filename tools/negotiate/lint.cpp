@@ -24,7 +24,7 @@ class Linter {
         return false;
       }
       ++told_;
-      out_.write(options_.json ? toJsonLine(file, document, finding) : toLine(file, finding));
+      out_.write(options_.json ? toJson(file, document, finding) : toLine(file, finding));
       out_.write("\n");
       return !out_.abandoned();
     });

@@ -56,7 +56,7 @@ ExitStatus matrix(const Options& options, Output& out) {
   std::vector<inspect::Offers> servers;
   std::vector<std::string> headings;
   for (const auto& file : options.files) {
-    servers.push_back(readOffers(file));
+    servers.push_back(toOffers(readDocument(file, inspect::Document::ProtocolOffers)));
     headings.push_back(headingOf(servers.back(), file));
   }
   distinguish(headings, options.files);
@@ -65,7 +65,7 @@ ExitStatus matrix(const Options& options, Output& out) {
 
   auto worst = inspect::Verdict::Agreed;
   for (const auto& file : options.requests) {
-    const auto request = readRequest(file);
+    const auto request = toRequest(readDocument(file, inspect::Document::ProtocolConfigs));
     auto& row = table.emplace_back();
     row.push_back(shownName(file));
     for (const auto& offers : servers) {

@@ -23,13 +23,14 @@ po::options_description optionsOf(Command command) {
   po::options_description options("Options", 100, 50);
   auto add = options.add_options();
   if (command == Command::lint) {
-    add("max", po::value<std::string>()->value_name("N"), "end after N findings");
+    add("max", po::value<std::string>()->value_name("N"),
+        "tell no more than N findings, of all files together");
     add("json", po::bool_switch(), "tell each finding as one JSON object a line");
   }
   if (command == Command::check || command == Command::explain) {
     add("offers", po::value<std::string>()->value_name("OFFERS"),
         command == Command::check ? "what the server offers; needed" : "what the server offers");
-    add("json", po::bool_switch(), "tell explanation and judgement as one JSON object");
+    add("json", po::bool_switch(), "tell findings, explanation and judgement as one JSON object");
     add("colour", po::value<std::string>()->value_name("WHEN"), "auto (the default), always or never");
   }
   if (command == Command::matrix) add("markdown", po::bool_switch(), "tell it as a Markdown table");
@@ -39,7 +40,7 @@ po::options_description optionsOf(Command command) {
          ". If this is not given, they are " + groundNames(Options().refusals) + ".")
             .c_str());
   }
-  add("help", po::bool_switch(), "tell this, and end");
+  add("help,h", po::bool_switch(), "tell this, and end");
   return options;
 }
 
@@ -137,7 +138,7 @@ Command toCommand(std::string_view text) {
   if (text == "check") return Command::check;
   if (text == "explain") return Command::explain;
   if (text == "matrix") return Command::matrix;
-  if (text == "--help") return Command::help;
+  if (text == "--help" || text == "-h") return Command::help;
   if (text == "--version") return Command::version;
   throw UsageError("'" + std::string(text) + "' is no command: see corvane-negotiate --help");
 }

@@ -3,9 +3,12 @@
 
 #include <cstddef>
 #include <string>
-#include <utility>
+#include <string_view>
 
 #include "complain.hpp"
+#include "findingText.hpp"
+#include "foundation/corvane/inspect/diagnose.hpp"
+#include "foundation/corvane/inspect/wellFormed.hpp"
 #include "foundation/json.hpp"
 
 namespace negotiate {
@@ -44,30 +47,69 @@ std::string verdictLine(const inspect::Judgement& judgement, inspect::Colour col
   return line + '\n';
 }
 
-json::Value toValue(const inspect::Judgement& judgement) {
-  json::Array reasons;
-  for (const auto& reason : judgement.reasons) {
-    reasons.emplace_back(json::Object{{"ground", toCString(reason.ground)},
-                                      {"refuses", reason.refuses},
-                                      {"protocol", reason.protocol},
-                                      {"feature", reason.feature},
-                                      {"sentence", reason.sentence}});
+std::string asJson(const inspect::Reason& reason) {
+  return inspect::detail::wellFormed(json::serialize(json::Object{{"ground", toCString(reason.ground)},
+                                                                  {"refuses", reason.refuses},
+                                                                  {"protocol", reason.protocol},
+                                                                  {"feature", reason.feature},
+                                                                  {"sentence", reason.sentence}}));
+}
+
+// Writes the elements of an array, one by one, with what stands between them.
+class Elements {
+ public:
+  explicit Elements(Output& out) : out_(out) {}
+
+  void write(std::string_view element) {
+    if (!isFirst_) out_.write(",");
+    isFirst_ = false;
+    out_.write(element);
   }
-  return json::Object{{"verdict", toCString(judgement.verdict)}, {"reasons", std::move(reasons)}};
+
+ private:
+  Output& out_;
+  bool isFirst_ = true;
+};
+
+void writeFindings(const Document& document, Elements& elements, const Output& out) {
+  inspect::diagnose(document.kind, document.text, [&](const inspect::Finding& finding) {
+    elements.write(toJson(document.file, document.kind, finding));
+    return !out.abandoned();
+  });
+}
+
+void writeJson(const inspect::Judgement& judgement, Output& out) {
+  out.write(R"({"reasons":[)");
+  Elements elements(out);
+  for (const auto& reason : judgement.reasons) elements.write(asJson(reason));
+  out.write(R"(],"verdict":")");
+  out.write(toCString(judgement.verdict));
+  out.write("\"}");
 }
 
 }  // namespace
 
-ExitStatus report(const inspect::Explanation& explanation, const inspect::Judgement& judgement,
-                  const Options& options, Output& out) {
+void report(const std::vector<Document>& documents, const Options& options, Output& out) {
+  if (!options.json) return;
+  out.write(R"({"findings":[)");
+  Elements elements(out);
+  for (const auto& document : documents) writeFindings(document, elements, out);
+  out.write("]");
+}
+
+void report(const inspect::Explanation& explanation, const Options& options, Output& out) {
+  const auto write = [&](std::string_view text) { out.write(text); };
+  if (!options.json) return writeText(explanation, options.colour, write);
+  out.write(R"(,"explanation":)");
+  writeJSON(explanation, write);
+}
+
+ExitStatus report(const inspect::Judgement& judgement, const Options& options, Output& out) {
   if (options.json) {
-    out.write(R"({"explanation":)");
-    out.write(toJSON(explanation));
     out.write(R"(,"judgement":)");
-    out.write(json::serialize(toValue(judgement)));
+    writeJson(judgement, out);
     out.write("}\n");
   } else {
-    out.write(toText(explanation, options.colour));
     out.write(verdictLine(judgement, options.colour));
   }
   return toExitStatus(judgement.verdict);

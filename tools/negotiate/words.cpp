@@ -34,7 +34,8 @@ bool terminalTakesColours() {
   const char* const refused = std::getenv("NO_COLOR");
   if (refused != nullptr && *refused != '\0') return false;
   const char* const terminal = std::getenv("TERM");
-  return terminal != nullptr && std::string_view(terminal) != "dumb" && isatty(STDOUT_FILENO) == 1;
+  if (terminal == nullptr || *terminal == '\0' || std::string_view(terminal) == "dumb") return false;
+  return isatty(STDOUT_FILENO) == 1;
 }
 
 }  // namespace

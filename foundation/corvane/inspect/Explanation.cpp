@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "foundation/corvane/inspect/Explanation.hpp"
 
+#include <algorithm>
 #include <string_view>
 
 #include "foundation/corvane/common/uuid/Version.hpp"
@@ -32,6 +33,7 @@ struct Protocol {
   const OfferIndex* offers;        // null: there are none at hand
   const OfferedProtocol* offered;  // null: or none of this protocol
   bool isAnyAnswered;              // whether the answer has anything at all
+  std::string_view end;            // what is said of the negotiation's end; empty if nothing ends it
 };
 
 ProtocolOutcome outcomeOfMissing(const Protocol& protocol) {
@@ -42,7 +44,7 @@ ProtocolOutcome outcomeOfMissing(const Protocol& protocol) {
 
 ProtocolOutcome outcomeOf(const Protocol& protocol) {
   const auto& [request, answer, installation, fate, features] = protocol.match;
-  switch (fate) {
+  switch (fate) {  // unreachable: there is no other fate
     case Fate::Installed:
       break;
     case Fate::NoVersion:
@@ -109,7 +111,7 @@ std::string whyConflict(const Protocol& protocol) {
 }
 
 std::string whyOf(ProtocolOutcome outcome, const Protocol& protocol) {
-  switch (outcome) {
+  switch (outcome) {  // unreachable: there is no other outcome
     case ProtocolOutcome::Agreed:
       return whyInstalled(protocol, {});
     case ProtocolOutcome::OlderVersion:
@@ -137,6 +139,14 @@ std::string whyOf(ProtocolOutcome outcome, const Protocol& protocol) {
   return "answered without a version (65535.65535 means none), so the client passes it over";
 }
 
+// What was agreed on in a row does not hold where another row ends the negotiation.
+void addEnd(ProtocolExplanation& explanation, std::string_view end) {
+  explanation.why += end;
+  for (auto& feature : explanation.features) {
+    if (feature.outcome == FeatureOutcome::Accepted) feature.why += end;
+  }
+}
+
 ProtocolExplanation explain(const Protocol& protocol) {
   const auto& match = protocol.match;
   ProtocolExplanation explanation;
@@ -150,6 +160,7 @@ ProtocolExplanation explain(const Protocol& protocol) {
     explanation.features.push_back(detail::explainFeature(
         {match.request->features[i], match.features.requests[i], match, protocol.offered}));
   }
+  if (match.fate == Fate::Installed && !match.isContradicted()) addEnd(explanation, protocol.end);
   return explanation;
 }
 
@@ -204,14 +215,31 @@ UnaskedAnswer unaskedFeature(const ProtocolMatch& match, const detail::UnaskedEn
   return unasked;
 }
 
+// Where two versions of a protocol meet, the server or the client throws, and nothing is left of the rest.
+std::string endOf(const std::vector<ProtocolMatch>& matches) {
+  const auto endsAll = [](const ProtocolMatch& match) {
+    return (match.request != nullptr && match.fate == Fate::Conflict) || match.isContradicted();
+  };
+  const auto end = std::ranges::find_if(matches, endsAll);
+  if (end == matches.end()) return {};
+  const bool isAnswered = end->isContradicted();
+  return "; but it comes to nothing: at the " + std::string(isAnswered ? "answer" : "request") + " for " +
+         quoted(isAnswered ? end->answer->name : end->request->name) + " at " +
+         toString(isAnswered ? end->answer->version : end->request->version) +
+         (isAnswered ? " the client" : " a server of this library") +
+         " ends the negotiation with an exception";
+}
+
 Explanation explain(const std::vector<MessageProtocolConfig>& configs,
                     const std::vector<MessageProtocolResolution>& resolutions, const OfferIndex* offers) {
   const auto matching = detail::match(configs, resolutions);
+  const auto end = endOf(matching.matches);
   Explanation explanation;
   explanation.protocols.reserve(configs.size());
   for (std::size_t i = 0; i < configs.size(); ++i) {
     const auto* offered = offers != nullptr ? offers->find(configs[i].name) : nullptr;
-    explanation.protocols.push_back(explain({matching.matches[i], offers, offered, !resolutions.empty()}));
+    explanation.protocols.push_back(
+        explain({matching.matches[i], offers, offered, !resolutions.empty(), end}));
   }
   for (const auto position : matching.ofAnswers) {
     const auto& match = matching.matches[position];

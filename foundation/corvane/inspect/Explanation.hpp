@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -103,6 +105,13 @@ struct Explanation {
 /// Protocols and features are matched by name, in order. Pure; linear in its arguments, but for the
 /// logarithms of their sizes.
 ///
+/// Outcomes are those of the answer. Where two versions of a protocol meet in it, the negotiation ends with
+/// an exception, and the sentences of everything that was agreed say that it comes to nothing.
+///
+/// Requests and answers are taken as what the other end has read. Records that documents do not carry - a
+/// protocol with an empty name or the major number 65535, a feature without a known handling or status -
+/// arrive there as default ones: to have it so, hand in `toConfigs(toJSON(configs))`.
+///
 /// The sentences name what was found and what to do about it. Texts of a peer in them are cut after 40 bytes,
 /// with control characters written as escapes.
 /// @throws std::bad_alloc when memory runs out.
@@ -127,13 +136,27 @@ enum class Colour : std::uint8_t { Off, On };
 ///
 /// Columns are as wide as their texts need, counted in UTF-8 characters, but none is padded beyond 40.
 /// Control characters are written as escapes, so that no peer writes to the terminal. In colour an outcome is
-/// green if it is what was asked for, red if a protocol or something required is lost, else yellow.
+/// green if it is what was asked for, red if a protocol or something required is lost, else yellow; none is
+/// green beside a `VersionConflict`.
 /// @throws std::bad_alloc when memory runs out.
 FOUNDATION_EXPORT std::string toText(const Explanation& explanation, Colour colour = Colour::Off);
 
+/// Is given a text piece by piece.
+using TextSink = std::function<void(std::string_view)>;
+
+/// Hands the text of `toText` to `write` line by line, for explanations whose text had better not be in
+/// memory as a whole.
+/// @throws std::bad_alloc when memory runs out, and whatever `write` throws.
+FOUNDATION_EXPORT void writeText(const Explanation& explanation, Colour colour, const TextSink& write);
+
 /// The explanation as one JSON object, {"protocols":[...],"unasked":[...]}: compact, members in the order of
-/// their names, versions as in the documents (an undefined one is null), enumerators by their names.
+/// their names, versions as in the documents (an undefined one is null), enumerators by their names. It is
+/// UTF-8 whatever the bytes of the peers' texts: what is ill-formed in them is written as U+FFFD.
 /// @throws std::bad_alloc when memory runs out.
 FOUNDATION_EXPORT std::string toJSON(const Explanation& explanation);
+
+/// Hands the text of `toJSON` to `write`, a feature or so at a time.
+/// @throws std::bad_alloc when memory runs out, and whatever `write` throws.
+FOUNDATION_EXPORT void writeJSON(const Explanation& explanation, const TextSink& write);
 
 }  // namespace foundation::corvane::inspect

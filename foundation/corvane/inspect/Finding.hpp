@@ -45,7 +45,8 @@ struct Finding {
   /// there. Empty for the whole document, and for `Rule::Syntax`.
   std::string pointer;
   /// The first byte of the value; of its name, if the member is unknown or repeated; of the object that lacks
-  /// a member. Of `Rule::Syntax` the first byte that cannot be right.
+  /// a member. Of `Rule::Syntax` the first byte that cannot be right. 0 for a document that is no object,
+  /// whatever white space it begins with.
   std::size_t offset = 0;
   std::size_t line = 1;    ///< Of the offset, counted by line feeds from 1.
   std::size_t column = 1;  ///< Of the offset in its line, counted in bytes from 1.

@@ -49,7 +49,7 @@ std::string failure(const FeatureMatch& match) {
 
 // How a protocol was lost.
 std::string loss(const ProtocolMatch& match) {
-  switch (match.fate) {
+  switch (match.fate) {  // unreachable: there is no other fate
     case Fate::Installed:
     case Fate::Missing:
       break;
@@ -105,7 +105,8 @@ class Judge {
     const auto asked = toString(request->version);
     if (fate == Fate::Conflict) {
       add(Ground::VersionConflict, request->name, {},
-          loss(match) + ": a server of this library throws " + std::string(detail::incompatible));
+          loss(match) + ": a server of this library throws " + std::string(detail::incompatible) +
+              ", and nothing is agreed");
     } else if (fate != Fate::Installed) {
       add(Ground::ProtocolLost, request->name, {}, "not installed: " + loss(match));
     } else if (answer->version < request->version) {

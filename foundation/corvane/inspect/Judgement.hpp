@@ -80,7 +80,8 @@ struct Judgement {
 
 /// Judges a server's answer before the client hands it to `common::session::handleProtocolResolutions`, which
 /// takes every answer. Any reason degrades; one on a ground in `refusals` refuses. Pure; linear in its
-/// arguments, but for the logarithms of their sizes.
+/// arguments, but for the logarithms of their sizes. Records are taken as `explain` takes them, as what the
+/// other end has read.
 ///
 ///     const auto judgement = judge(configs, resolutions);
 ///     if (judgement.verdict == Verdict::Refused) return hangUp(judgement.reasons.front().sentence);

@@ -14,7 +14,7 @@ using common::session::detail::Member;
 using common::session::detail::Misfit;
 
 Rule ruleOf(Misfit misfit) noexcept {
-  switch (misfit) {
+  switch (misfit) {  // unreachable: there is no other misfit
     case Misfit::Kind:
       break;
     case Misfit::Empty:
@@ -112,8 +112,7 @@ void Reporter::reread(const json::Reader& reader, double, unsigned taken) {
 }
 
 void Reporter::endObject(const json::Reader&, bool) {
-  auto& object = open_.back();
-  object.replaced = false;
+  const auto& object = open_.back();  // whose last member nothing can replace
   for (std::size_t i = 0; i != object.members.size(); ++i) {
     if ((object.seen & 1U << i) != 0) continue;
     const auto& member = object.members[i];

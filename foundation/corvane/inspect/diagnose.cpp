@@ -23,7 +23,7 @@ bool isObject(std::string_view text, const FindingVisitor& visit) {
   bool afterEnd = false;
   while (reader.token() != Token::End && reader.token() != Token::Error) {
     reader.skip();
-    afterEnd = reader.depth() == 0 && reader.token() != Token::Error;
+    afterEnd = reader.depth() == 0;  // a fault inside a container leaves the depth as it is
     reader.next();
   }
   if (object && reader.token() == Token::End) return true;

@@ -49,7 +49,7 @@ bool agrees(FeatureOutcome outcome, const Feature& feature) {
   const auto& [name, value, handling] = feature.request;
   const bool hasValue = feature.offered->has(name, value);
   const bool hasName = !feature.offered->values(name).empty();
-  switch (outcome) {
+  switch (outcome) {  // unreachable: there is no other outcome
     case FeatureOutcome::Accepted:
     case FeatureOutcome::Overruled:
     case FeatureOutcome::Ineffective:
@@ -112,7 +112,7 @@ std::string whyUnanswered(const Feature& feature) {
 
 // As far as the offers agree, if there are any.
 std::string whyOf(FeatureOutcome outcome, const Feature& feature) {
-  switch (outcome) {
+  switch (outcome) {  // unreachable: there is no other outcome
     case FeatureOutcome::Accepted:
       return "agreed as asked";
     case FeatureOutcome::Overruled:

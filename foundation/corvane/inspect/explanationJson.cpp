@@ -2,6 +2,7 @@
 #include "foundation/corvane/inspect/Explanation.hpp"
 
 #include "foundation/corvane/common/session/featureNames.hpp"
+#include "foundation/corvane/inspect/wellFormed.hpp"
 #include "foundation/json/serialize.hpp"
 
 namespace foundation::corvane::inspect {
@@ -47,19 +48,6 @@ void appendFeature(std::string& out, const FeatureExplanation& feature) {
   out += '}';
 }
 
-void appendProtocol(std::string& out, const ProtocolExplanation& protocol) {
-  out += R"({"answered":)";
-  appendVersion(out, protocol.answered);
-  out += R"(,"asked":)";
-  appendVersion(out, protocol.asked);
-  out += R"(,"features":)";
-  appendArray(out, protocol.features, appendFeature);
-  appendMember(out, R"(,"name":)", protocol.name);
-  appendMember(out, R"(,"outcome":)", toCString(protocol.outcome));
-  appendMember(out, R"(,"why":)", protocol.why);
-  out += '}';
-}
-
 void appendUnasked(std::string& out, const UnaskedAnswer& unasked) {
   appendMember(out, R"({"feature":)", unasked.feature);
   out += R"(,"isFeature":)";
@@ -73,14 +61,63 @@ void appendUnasked(std::string& out, const UnaskedAnswer& unasked) {
   out += '}';
 }
 
+// The text until now, of which each element is handed out when it is whole.
+class Pieces {
+ public:
+  explicit Pieces(const TextSink& write) : write_(write) {}
+
+  std::string& text() { return text_; }
+
+  void handOut() {
+    write_(detail::wellFormed(text_));
+    text_.clear();
+  }
+
+  template <class Elements, class Append>
+  void appendArray(const Elements& elements, const Append& append) {
+    inspect::appendArray(text_, elements, [&](std::string& out, const auto& element) {
+      append(out, element);
+      handOut();
+    });
+  }
+
+ private:
+  const TextSink& write_;
+  std::string text_;
+};
+
+void appendProtocol(Pieces& pieces, const ProtocolExplanation& protocol) {
+  auto& out = pieces.text();
+  out += R"({"answered":)";
+  appendVersion(out, protocol.answered);
+  out += R"(,"asked":)";
+  appendVersion(out, protocol.asked);
+  out += R"(,"features":)";
+  pieces.appendArray(protocol.features, appendFeature);
+  appendMember(out, R"(,"name":)", protocol.name);
+  appendMember(out, R"(,"outcome":)", toCString(protocol.outcome));
+  appendMember(out, R"(,"why":)", protocol.why);
+  out += '}';
+}
+
 }  // namespace
 
-std::string toJSON(const Explanation& explanation) {
-  std::string out = R"({"protocols":)";
-  appendArray(out, explanation.protocols, appendProtocol);
+void writeJSON(const Explanation& explanation, const TextSink& write) {
+  Pieces pieces(write);
+  auto& out = pieces.text();
+  out += R"({"protocols":)";
+  pieces.appendArray(explanation.protocols, [&](std::string&, const ProtocolExplanation& protocol) {
+    appendProtocol(pieces, protocol);
+  });
   out += R"(,"unasked":)";
-  appendArray(out, explanation.unasked, appendUnasked);
+  pieces.appendArray(explanation.unasked, appendUnasked);
   out += '}';
+  pieces.handOut();
+}
+
+std::string toJSON(const Explanation& explanation) {
+  std::string out;
+  writeJSON(explanation, [&](std::string_view piece) { out += piece; });
   return out;
 }
 

@@ -96,14 +96,16 @@ Row rowOf(const UnaskedAnswer& unasked) {
           yellow};
 }
 
-std::vector<Row> rowsOf(const Explanation& explanation) {
-  std::vector<Row> rows{{{"protocol", "feature", "asked", "strength", "offered", "outcome", "why"}, {}}};
+// Rows are made as they are wanted, twice: all of them at once would take several times the memory of what
+// they tell.
+template <class Visit>
+void forEachRow(const Explanation& explanation, const Visit& visit) {
+  visit(Row{{"protocol", "feature", "asked", "strength", "offered", "outcome", "why"}, {}});
   for (const auto& protocol : explanation.protocols) {
-    rows.push_back(rowOf(protocol));
-    for (const auto& feature : protocol.features) rows.push_back(rowOf(protocol, feature));
+    visit(rowOf(protocol));
+    for (const auto& feature : protocol.features) visit(rowOf(protocol, feature));
   }
-  for (const auto& unasked : explanation.unasked) rows.push_back(rowOf(unasked));
-  return rows;
+  for (const auto& unasked : explanation.unasked) visit(rowOf(unasked));
 }
 
 // In UTF-8 characters.
@@ -112,19 +114,20 @@ std::size_t widthOf(std::string_view text) {
   return static_cast<std::size_t>(std::ranges::count_if(text, begins));
 }
 
-std::array<std::size_t, columnCount> widthsOf(const std::vector<Row>& rows) {
+using Widths = std::array<std::size_t, columnCount>;
+
+Widths widthsOf(const Explanation& explanation) {
   constexpr std::size_t most = 40;
-  std::array<std::size_t, columnCount> widths{};
-  for (const auto& row : rows) {
-    for (std::size_t i = 0; i < columnCount; ++i) {
+  Widths widths{};
+  forEachRow(explanation, [&](const Row& row) {
+    for (std::size_t i = 0; i < Why; ++i) {
       widths[i] = std::min(most, std::max(widths[i], widthOf(row.cells[i])));
     }
-  }
+  });
   return widths;
 }
 
-void appendRow(std::string& out, const Row& row, const std::array<std::size_t, columnCount>& widths,
-               Colour colour) {
+void appendRow(std::string& out, const Row& row, const Widths& widths, Colour colour) {
   for (std::size_t i = 0; i < Why; ++i) {
     const auto& text = row.cells[i];
     const bool isColoured = colour == Colour::On && i == Outcome && !row.colour.empty();
@@ -139,15 +142,26 @@ void appendRow(std::string& out, const Row& row, const std::array<std::size_t, c
 
 }  // namespace
 
-std::string toText(const Explanation& explanation, Colour colour) {
+void writeText(const Explanation& explanation, Colour colour, const TextSink& write) {
   if (explanation.protocols.empty() && explanation.unasked.empty()) {
-    return "No protocol was asked for, and the answer has none.\n";
+    return write("No protocol was asked for, and the answer has none.\n");
   }
-  const auto rows = rowsOf(explanation);
-  const auto widths = widthsOf(rows);
-  std::string out;
-  for (const auto& row : rows) appendRow(out, row, widths, colour);
-  return out;
+  const auto widths = widthsOf(explanation);
+  const bool isVoid = std::ranges::count(explanation.protocols, ProtocolOutcome::VersionConflict,
+                                         &ProtocolExplanation::outcome) != 0;
+  std::string line;
+  forEachRow(explanation, [&](Row row) {
+    if (isVoid && row.colour == green) row.colour = red;
+    line.clear();
+    appendRow(line, row, widths, colour);
+    write(line);
+  });
+}
+
+std::string toText(const Explanation& explanation, Colour colour) {
+  std::string text;
+  writeText(explanation, colour, [&](std::string_view line) { text += line; });
+  return text;
 }
 
 }  // namespace foundation::corvane::inspect

@@ -2,6 +2,7 @@
 #include "foundation/corvane/inspect/matching.hpp"
 
 #include <algorithm>
+#include <tuple>
 #include <utility>
 
 namespace foundation::corvane::inspect::detail {
@@ -193,19 +194,33 @@ class Matcher {
   }
 
   void fill(Installation& installation, const Name& name) const {
-    for (const auto i : name.answers) {
-      if (resolutions_[i].version == undefinedVersion) continue;
-      installation.answer = &resolutions_[i];
-      for (const auto& entry : resolutions_[i].resolutions) {
-        if (entry.status == FeatureStatus::success) {
-          installation.configuration.try_emplace(entry.name, entry.message);
-        }
-      }
-      break;
+    const auto hasVersion = [&](auto i) { return resolutions_[i].version != undefinedVersion; };
+    const auto first = std::ranges::find_if(name.answers, hasVersion);
+    if (first != name.answers.end()) {
+      installation.answer = &resolutions_[*first];
+      installation.configuration = configurationOf(*installation.answer);
     }
     installation.isAskedAtSeveralVersions = std::ranges::any_of(name.requests, [&](auto i) {
       return configs_[i].version != configs_[name.requests.front()].version;
     });
+  }
+
+  // Entries of one name stay in order, which is that of their addresses.
+  static std::vector<const FeatureResolution*> configurationOf(const MessageProtocolResolution& answer) {
+    std::vector<const FeatureResolution*> configuration;
+    configuration.reserve(answer.resolutions.size());
+    for (const auto& entry : answer.resolutions) {
+      if (entry.status == FeatureStatus::success) configuration.push_back(&entry);
+    }
+    std::ranges::sort(configuration, [](const FeatureResolution* one, const FeatureResolution* other) {
+      return std::tie(one->name, one) < std::tie(other->name, other);
+    });
+    const auto haveOneName = [](const FeatureResolution* one, const FeatureResolution* other) {
+      return one->name == other->name;
+    };
+    configuration.erase(std::unique(configuration.begin(), configuration.end(), haveOneName),
+                        configuration.end());
+    return configuration;
   }
 
   // In order. Where more was asked for than answered, the versions and then the features tell what was lost.
@@ -298,9 +313,10 @@ bool isKnown(FeatureHandling handling) noexcept {
 }
 
 std::optional<std::string_view> Installation::valueOf(std::string_view feature) const {
-  const auto place = configuration.find(feature);
-  if (place == configuration.end()) return std::nullopt;
-  return place->second;
+  const auto nameOf = [](const FeatureResolution* entry) { return std::string_view(entry->name); };
+  const auto place = std::ranges::lower_bound(configuration, feature, {}, nameOf);
+  if (place == configuration.end() || nameOf(*place) != feature) return std::nullopt;
+  return (*place)->message;
 }
 
 bool ProtocolMatch::isContradicted() const {

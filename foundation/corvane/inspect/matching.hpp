@@ -33,8 +33,8 @@ enum class Fate : std::uint8_t {
 /// What a client makes of all the answers for one protocol: it installs the first one that has a version.
 struct Installation {
   const common::session::MessageProtocolResolution* answer = nullptr;  ///< Null: it installs nothing.
-  /// The value of each feature: that of its first success. Later answers change nothing.
-  std::map<std::string_view, std::string_view> configuration;
+  /// The first success of each feature, sorted by name. Later answers change nothing.
+  std::vector<const common::session::FeatureResolution*> configuration;
   bool isAskedAtSeveralVersions = false;
 
   /// The value of the feature, if it has one.

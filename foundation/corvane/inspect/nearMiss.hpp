@@ -41,7 +41,7 @@ inline bool isOneSlip(std::string_view one, std::string_view other) {
 }
 
 /// The first of the candidates that `asked` may be a misspelling of. Looks at no more than 16 of them, and at
-/// no text longer than 40 bytes, so that it costs little whatever a peer sends.
+/// no text longer than 40 bytes, so that it costs little whatever a peer sends. `asked` is none of them.
 inline std::optional<std::string_view> nearMiss(std::string_view asked,
                                                 const std::vector<std::string_view>& candidates) {
   constexpr std::size_t mostCandidates = 16;
@@ -49,7 +49,7 @@ inline std::optional<std::string_view> nearMiss(std::string_view asked,
   if (asked.size() > mostBytes) return std::nullopt;
   const auto smooth = smoothed(asked);
   for (std::size_t i = 0; i < std::min(candidates.size(), mostCandidates); ++i) {
-    if (candidates[i].size() > mostBytes || candidates[i] == asked) continue;
+    if (candidates[i].size() > mostBytes) continue;
     const auto other = smoothed(candidates[i]);
     if (smooth == other || isOneSlip(smooth, other)) return candidates[i];
   }

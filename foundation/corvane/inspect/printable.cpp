@@ -53,7 +53,7 @@ std::size_t appendUnit(std::string& out, std::string_view text, std::size_t at) 
 
 // A text that is no UTF-8 has no characters to keep whole, so the search ends after three bytes.
 std::size_t cutBefore(std::string_view text, std::size_t most) {
-  for (std::size_t back = 0; back <= 3 && back < most; ++back) {
+  for (std::size_t back = 0; back <= 3; ++back) {
     if (!isContinuation(static_cast<unsigned char>(text[most - back]))) return most - back;
   }
   return most;

@@ -12,8 +12,8 @@ namespace foundation::corvane::inspect::detail {
 /// U+009F, which terminals obey too) and backslashes doubled; other bytes from 0x80 up stay.
 std::string printable(std::string_view text);
 
-/// The same in double quotes, quotes in it escaped, and cut after `most` bytes of the text, or up to three
-/// earlier to keep a UTF-8 character whole; "..." follows the quotes then.
+/// The same in double quotes, quotes in it escaped, and cut after `most` bytes of the text (three at least),
+/// or up to three earlier to keep a UTF-8 character whole; "..." follows the quotes then.
 std::string quoted(std::string_view text, std::size_t most = 40);
 
 }  // namespace foundation::corvane::inspect::detail

@@ -12,8 +12,8 @@ namespace foundation::corvane::inspect {
 
 /// The answer to `configs` of a server that offers `offers` and whose initializers install what they are
 /// asked for: what `common::session::resolveProtocolRequests` would return on a new connection, found with
-/// the same `resolveFeatures` and without a process. Offers of equal name are taken
-/// together.
+/// the same `resolveFeatures` and without a process. Offers of equal name are taken together. Records are
+/// taken as they are handed in; what a server reads of them may be less, as `explain` tells.
 ///
 /// Where it would throw, because a protocol is asked for at a second version, that configuration is left out
 /// and the rest is answered; `judge` calls it `Ground::VersionConflict`.

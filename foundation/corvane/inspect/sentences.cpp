@@ -79,19 +79,9 @@ std::string expected(Members members, std::size_t index) {
 }
 
 std::string consequence(Effect effect, Members members, std::size_t index) {
-  switch (effect) {
-    case Effect::DocumentLost:
-      return "the whole document counts as empty";
-    case Effect::ElementLost:
-      return "it is left out of the list";
-    case Effect::RecordLost:
-      return std::string(lostRecord(members));
-    case Effect::Defaulted:
-      break;
-    case Effect::Reread:
-    case Effect::Dropped:
-      return "it is passed over";
-  }
+  if (effect == Effect::DocumentLost) return "the whole document counts as empty";
+  if (effect == Effect::ElementLost) return "it is left out of the list";
+  if (effect == Effect::RecordLost) return std::string(lostRecord(members));
   const auto name = members[index].name;
   if (isOf(members, decoder::versionMembers)) return "it counts as 0";
   if (name == "handling") return "it counts as undefined, which does not matter in an offer";

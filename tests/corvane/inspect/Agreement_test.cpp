@@ -149,6 +149,7 @@ TEST(Difference, IsASentenceForPeople) {
             "\"P\", feature \"f\": this end has \"on\", the other end has none\n"
             "\"P\", feature \"f\": the other end has \"on\", this end has none\n"
             "\"P\", feature \"f\": this end has \"on\", the other end \"off\"\n");
+  EXPECT_EQ(toText({{static_cast<DifferenceKind>(6), "P", "", "", ""}}), "\"P\": an unknown difference\n");
   EXPECT_EQ(toText({differences.back()}, "client", "server"),
             "\"P\", feature \"f\": client has \"on\", server \"off\"\n");
 }

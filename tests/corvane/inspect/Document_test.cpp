@@ -31,6 +31,7 @@ TEST(Document, HasTheNameOfItsList) {
   EXPECT_STREQ(listName(Document::ProtocolConfigs), "protocolConfigs");
   EXPECT_STREQ(listName(Document::ProtocolResolutions), "protocolResolutions");
   EXPECT_STREQ(listName(Document::ProtocolOffers), "protocolOffers");
+  EXPECT_STREQ(listName(static_cast<Document>(3)), "protocolConfigs") << "the name of the first";
 }
 
 }  // namespace

@@ -10,8 +10,10 @@
 #include <vector>
 
 #include "foundation/corvane/common/session/FeatureRequest.hpp"
+#include "foundation/corvane/common/session/TransportSetup.hpp"
 #include "foundation/corvane/inspect/rehearse.hpp"
 #include "foundation/json.hpp"
+#include "tests/corvane/inspect/utf8.hpp"
 
 namespace foundation::corvane::inspect {
 namespace {
@@ -145,6 +147,50 @@ TEST(explain, TellsThatASecondVersionOfAProtocolEndsTheNegotiation) {
       "version");
   EXPECT_EQ(lost.features.at(0).outcome, FeatureOutcome::ProtocolLost);
   EXPECT_EQ(lost.features.at(0).why, "required, and lost with the protocol");
+}
+
+TEST(explain, SaysOfWhatWasAgreedThatASecondVersionMakesItComeToNothing) {
+  const Configs configs{{"Control", {1, 0}, {}},
+                        telemetry({{"compression", "zstd", required}, {"security", "tls", optional}}),
+                        {"Telemetry", {2, 0}, {}}};
+
+  const auto explanation = rehearsed(configs);
+
+  const std::string end =
+      "; but it comes to nothing: at the request for \"Telemetry\" at 2.0 a server of this library ends the "
+      "negotiation with an exception";
+  const auto& telemetries = explanation.protocols.at(1);
+  EXPECT_EQ(explanation.protocols.at(0).why, "installed as asked" + end);
+  EXPECT_EQ(telemetries.why, "installed as asked" + end);
+  EXPECT_EQ(telemetries.features.at(0).why, "agreed as asked" + end);
+  EXPECT_THAT(telemetries.features.at(1).why, Not(HasSubstr("comes to nothing")));
+  EXPECT_THAT(explanation.protocols.at(2).why, Not(HasSubstr("comes to nothing")));
+}
+
+TEST(explain, SaysOfWhatWasAgreedThatAContradictoryAnswerMakesItComeToNothing) {
+  const auto explanation = explain({{"Control", {1, 0}, {}}, telemetry({})},
+                                   {{"Control", {1, 0}, {}}, answered({}), {"Telemetry", {3, 0}, {}}});
+
+  const std::string end =
+      "; but it comes to nothing: at the answer for \"Telemetry\" at 3.0 the client ends the negotiation "
+      "with "
+      "an exception";
+  EXPECT_EQ(explanation.protocols.at(0).why, "installed as asked" + end);
+  EXPECT_EQ(explanation.protocols.at(1).why, "installed as asked" + end);
+}
+
+TEST(explain, TakesRequestsAsTheServerHasReadThem) {
+  const Configs configs{{"", {1, 0}, {}}, {"Telemetry", {65535, 3}, {}}, telemetry({{"batching", "on"}})};
+  const auto read = common::session::toConfigs(common::session::toJSON(configs));
+
+  const auto handedIn = rehearsed(configs).protocols;
+  const auto onTheWire = rehearsed(read).protocols;
+
+  EXPECT_EQ(handedIn.at(0).outcome, ProtocolOutcome::Unknown);
+  EXPECT_EQ(onTheWire.at(0).outcome, ProtocolOutcome::Unreadable);
+  EXPECT_EQ(handedIn.at(1).outcome, ProtocolOutcome::Agreed);
+  EXPECT_EQ(onTheWire.at(1).outcome, ProtocolOutcome::Unreadable);
+  EXPECT_EQ(onTheWire.at(2).features.at(0).outcome, FeatureOutcome::Unanswered);
 }
 
 TEST(explain, SuspectsASecondVersionWhereThereIsNoAnswerAtAll) {
@@ -475,6 +521,44 @@ TEST(toText, ColoursOutcomesOnRequestOnly) {
   EXPECT_EQ(toText(explanation), plain);
 }
 
+TEST(toText, ColoursNothingGreenBesideASecondVersion) {
+  const auto explanation =
+      rehearsed({telemetry({{"compression", "lz4", required}}), {"Telemetry", {2, 0}, {}}});
+
+  const auto text = toText(explanation, Colour::On);
+
+  EXPECT_THAT(text,
+              AllOf(HasSubstr("\x1b[31mAgreed"), HasSubstr("\x1b[31mAccepted"), Not(HasSubstr("\x1b[32m"))));
+}
+
+TEST(writeText, HandsOutTheLinesOfTheText) {
+  const auto explanation = rehearsed({telemetry({{"compression", "lz4", required}}), {"Chat", {1, 0}, {}}});
+
+  std::string text;
+  writeText(explanation, Colour::On, [&](std::string_view line) {
+    EXPECT_EQ(line.find('\n'), line.size() - 1);
+    text += line;
+  });
+
+  EXPECT_EQ(text, toText(explanation, Colour::On));
+}
+
+TEST(writeJSON, HandsOutTheObjectInPieces) {
+  Explanation explanation;
+  explanation.protocols.resize(100);
+  explanation.protocols.front().features.resize(100);
+  explanation.unasked.resize(100);
+  const auto whole = toJSON(explanation);
+
+  std::string text;
+  writeJSON(explanation, [&](std::string_view piece) {
+    EXPECT_LT(piece.size(), whole.size() / 50);
+    text += piece;
+  });
+
+  EXPECT_EQ(text, whole);
+}
+
 TEST(toJSON, WritesAnExplanationAsOneObject) {
   const Configs configs{telemetry({{"compression", "gzip", required}}), {"Chat", {1, 0}, {}}};
   auto answer = rehearse(configs, offers);
@@ -495,12 +579,48 @@ TEST(toJSON, WritesAnExplanationAsOneObject) {
 
 TEST(toJSON, WritesWhatAnyReaderOfJsonReads) {
   Explanation explanation;
-  explanation.protocols.push_back({"\x01\"\\\xff", {4294967295U, 0}, {}, {}, "\n", {}});
+  explanation.protocols.push_back({"\x01\"\\", {4294967295U, 0}, {}, {}, "\n", {}});
   explanation.protocols.back().features.resize(2);
 
   const auto value = json::parse(toJSON(explanation));
 
   EXPECT_EQ(json::serialize(value), toJSON(explanation));
+}
+
+TEST(toJSON, IsUtf8WhateverTheTextsAre) {
+  // Each with what is read of it: bytes that begin nothing, what is longer than need be, surrogates, what is
+  // beyond the last character, what is cut short; and the first and the last character of each length.
+  const std::vector<std::pair<std::string, std::string>> cases{
+      {"\x80", "\ufffd"},
+      {"\xff\xfe", "\ufffd\ufffd"},
+      {"\xc0\xaf", "\ufffd\ufffd"},
+      {"\xc1\xbf", "\ufffd\ufffd"},
+      {"\xe0\x9f\xbf", "\ufffd\ufffd\ufffd"},
+      {"\xed\xa0\x80", "\ufffd\ufffd\ufffd"},
+      {"\xf0\x8f\xbf\xbf", "\ufffd\ufffd\ufffd\ufffd"},
+      {"\xf4\x90\x80\x80", "\ufffd\ufffd\ufffd\ufffd"},
+      {"\xf5\x80", "\ufffd\ufffd"},
+      {"\xc3", "\ufffd"},
+      {"\xe2\x82", "\ufffd"},
+      {"\xf0\x9f\x98", "\ufffd"},
+      {"\xe2\x82x\xc3y", "\ufffdx\ufffdy"},
+      {"\x7f\xc2\x80\xdf\xbf", "\x7f\xc2\x80\xdf\xbf"},
+      {"\xe0\xa0\x80\xed\x9f\xbf\xee\x80\x80\xef\xbf\xbf",
+       "\xe0\xa0\x80\xed\x9f\xbf\xee\x80\x80\xef\xbf\xbf"},
+      {"\xf0\x90\x80\x80\xf4\x8f\xbf\xbf", "\xf0\x90\x80\x80\xf4\x8f\xbf\xbf"},
+  };
+  for (const auto& [text, read] : cases) {
+    const Configs configs{{text, {1, 0}, {{text, text, required}}}};
+    const Resolutions answer{{text + text, {1, 0}, {{text, text, success}}}};
+    const Offers theirs{"", "", {{text, {{text, text + "x"}}}}};
+
+    const auto json = toJSON(explain(configs, answer, theirs));
+
+    EXPECT_TRUE(isUtf8(json)) << testing::PrintToString(json);
+    EXPECT_THAT(json, HasSubstr("\"name\":\"" + read + '"'));
+    EXPECT_THAT(json, HasSubstr("\"value\":\"" + read + '"'));
+    EXPECT_THAT(json, HasSubstr("\"offered\":[\"" + read + "x\"]"));
+  }
 }
 
 TEST(FeatureOutcome, HasItsEnumeratorsName) {

@@ -166,7 +166,7 @@ TEST(judge, RefusesASecondVersionOfAProtocol) {
   EXPECT_EQ(
       judgement.reasons.front().sentence,
       "protocol \"Telemetry\": it is asked for at 2.0, and installed at 2.1: a server of this library throws "
-      "std::logic_error \"Incompatible message protocol versions requested\"");
+      "std::logic_error \"Incompatible message protocol versions requested\", and nothing is agreed");
 }
 
 TEST(judge, TellsLastOfSuccessesThatNobodyAskedFor) {
@@ -255,12 +255,12 @@ TEST(Ground, HasItsEnumeratorsName) {
   using enum Ground;
   std::vector<std::string> names;
   for (const auto ground : {RequiredFailed, WishFailed, ProtocolLost, OlderVersion, NewerVersion,
-                            UnaskedSuccess, OtherValue, VersionConflict, ContradictoryEntries}) {
+                            UnaskedSuccess, OtherValue, VersionConflict, ContradictoryEntries, Misread}) {
     names.emplace_back(toCString(ground));
   }
-  EXPECT_THAT(names,
-              ElementsAre("RequiredFailed", "WishFailed", "ProtocolLost", "OlderVersion", "NewerVersion",
-                          "UnaskedSuccess", "OtherValue", "VersionConflict", "ContradictoryEntries"));
+  EXPECT_THAT(names, ElementsAre("RequiredFailed", "WishFailed", "ProtocolLost", "OlderVersion",
+                                 "NewerVersion", "UnaskedSuccess", "OtherValue", "VersionConflict",
+                                 "ContradictoryEntries", "Misread"));
   EXPECT_STREQ(toCString(static_cast<Ground>(3)), "");
 }
 

@@ -421,6 +421,36 @@ TEST(diagnose, ReadsTheDocumentThatTheTextMeansToBe) {
   EXPECT_EQ(diagnose(R"({"x":1})").at(0).pointer, list);
 }
 
+// The pointers of all findings, in order.
+std::vector<std::string> pointersOf(const std::string& text) {
+  std::vector<std::string> pointers;
+  for (const auto& finding : diagnose(text)) pointers.push_back(finding.pointer);
+  return pointers;
+}
+
+TEST(diagnose, CountsTheElementsOfAListFromZero) {
+  EXPECT_THAT(pointersOf(R"({"protocolConfigs":[1,2,3]})"),
+              ElementsAre(list + "/0", list + "/1", list + "/2"));
+  EXPECT_THAT(pointersOf(R"({"protocolConfigs":[1,2],"protocolConfigs":[3]})"),
+              ElementsAre(list, list + "/0"));
+}
+
+TEST(diagnose, PointsAtEachOfSeveralMembersThatAreMissing) {
+  EXPECT_THAT(pointersOf(config(R"({"features":[]})")), ElementsAre(first + "/name", first + "/version"));
+}
+
+TEST(diagnose, SaysNothingOfWhatStandsDeepInAReplacedMember) {
+  EXPECT_THAT(
+      pointersOf(R"({"protocolConfigs":[{"name":"p","version":{"major":1,"minor":0,"x":1},"features":[]}],)"
+                 R"("protocolConfigs":[]})"),
+      ElementsAre(list));
+}
+
+TEST(diagnose, FindsNothingInAnObjectThatIsNoneOfTheDocuments) {
+  EXPECT_THAT(diagnose(static_cast<Document>(3), R"({"protocolConfigs":7})"), IsEmpty());
+  EXPECT_THAT(diagnose(static_cast<Document>(3), "[]"), SizeIs(1));
+}
+
 // ---- what holds of all documents
 
 TEST(diagnose, FindsNothingExactlyInDocumentsThatTheReaderKeepsWhole) {

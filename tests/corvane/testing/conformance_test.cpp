@@ -4,7 +4,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <unordered_map>
@@ -165,17 +167,205 @@ TEST(conformance, CatchesAnInitializerThatLacksATag) {
   EXPECT_THAT(violated(broken), ElementsAre(Conformance::UniqueTagsAndTypes));
 }
 
-TEST(conformance, SaysWhatTheInitializerDid) {
+// What `violation` says of a protocol of one version, whose initializer does as usual, and then something to
+// the result.
+std::string said(Conformance check, const std::function<void(Registry&, Installed&)>& something) {
+  auto protocol = telemetry([something](const auto& registry, const auto& asked, const auto& configuration) {
+    auto installed = install(registry, asked, configuration);
+    something(*registry, installed);
+    return installed;
+  });
+  protocol.versions = {{2, 1}};
+  return violation(check, protocol);
+}
+
+// True at the first call; shared by all copies, for each connection has one of the initializer.
+class FirstOnly {
+ public:
+  bool operator()() const { return ++*calls_ == 1; }
+
+ private:
+  std::shared_ptr<int> calls_ = std::make_shared<int>(0);
+};
+
+TEST(conformance, SaysInWhatASecondConnectionDiffers) {
+  const auto ofSecond = [](const std::function<void(Installed&)>& something) {
+    return said(Conformance::Idempotence, [something, isFirst = FirstOnly()](auto&, auto& installed) {
+      if (!isFirst()) something(installed);
+    });
+  };
+  const auto secondLacks = [isFirst = FirstOnly()](const auto& registry, const auto& asked,
+                                                   const auto& configuration) {
+    insertPing(*registry);
+    if (isFirst()) insertPong(*registry);
+    return Installed{asked, configuration};
+  };
+  auto lacking = telemetry(secondLacks);
+  lacking.versions = {{2, 1}};
+
+  EXPECT_EQ(ofSecond([](auto& installed) { installed.first = undefinedVersion; }),
+            "a second connection got no version, the first one 2.1, of version 2.1");
+  EXPECT_EQ(ofSecond([](auto& installed) {
+              installed.first = {2, 0};
+            }),
+            "a second connection got 2.0, the first one 2.1, of version 2.1");
+  EXPECT_EQ(ofSecond([](auto& installed) { installed.second.clear(); }),
+            "a second connection got another configuration than the first");
+  EXPECT_EQ(violation(Conformance::Idempotence, lacking),
+            "a second connection got other serializers than the first");
+}
+
+TEST(conformance, SaysHowAForeignVersionWasAnswered) {
+  const auto accepting = [](const auto& registry, const auto& asked, const auto& configuration) {
+    auto installed = install(registry, asked, configuration);
+    installed.first = asked;
+    return installed;
+  };
+  const auto littering = [](const auto& registry, const auto& asked, const auto& configuration) {
+    insertPong(*registry);
+    return Installed{chosen(asked), configuration};
+  };
+  const auto answering = [](const Version& answer) {
+    return said(Conformance::OtherVersion, [answer](auto&, auto& installed) { installed.first = answer; });
+  };
+
+  EXPECT_EQ(violation(Conformance::Declining, telemetry(accepting)),
+            "version 3.0 is not supported, but was answered with 3.0");
+  EXPECT_EQ(violation(Conformance::Declining, telemetry(littering)),
+            "version 3.0 was declined, but serializers were left in the registry");
+  EXPECT_EQ(answering({2, 2}), "version 2.2 was answered with 2.2, which is not supported");
+  EXPECT_EQ(answering({1, 4}), "version 2.2 was answered with 1.4, which is not supported");
+  EXPECT_EQ(answering({2, 1}), "");
+  EXPECT_EQ(answering(undefinedVersion), "");
+}
+
+TEST(conformance, TakesASupportedVersionOfAnotherMajorForUnsupported) {
+  const auto broken = [](const auto& registry, const auto& asked, const auto& configuration) {
+    auto installed = install(registry, asked, configuration);
+    if (asked == Version{2, 2}) installed.first = {1, 4};
+    return installed;
+  };
+
+  EXPECT_EQ(violation(Conformance::OtherVersion, telemetry(broken)),
+            "version 2.2 was answered with 1.4, which is not supported");
+}
+
+TEST(conformance, SaysWhichConfigurationWasDeclined) {
+  const auto declining = [](std::size_t settings) {
+    return said(Conformance::AnyConfiguration, [settings](auto&, auto& installed) {
+      if (installed.second.size() == settings) installed.first = undefinedVersion;
+    });
+  };
+
+  EXPECT_EQ(declining(0), "declined for an empty configuration");
+  EXPECT_EQ(declining(1), "declined for a configuration with an unknown feature");
+  EXPECT_EQ(declining(2), "");
+}
+
+TEST(conformance, SaysWhichFailureWasSwallowed) {
+  const auto swallowing = [](const auto& registry, const auto& asked, const auto& configuration) {
+    try {
+      return install(registry, asked, configuration);
+    } catch (const std::exception&) {
+      return Installed{chosen(asked), configuration};
+    }
+  };
+  const auto evading = [](const auto& registry, const auto& asked, const auto& configuration) {
+    if (!registry->exists("telemetry.ping")) insertPing(*registry);
+    insertPong(*registry);
+    return Installed{chosen(asked), configuration};
+  };
+  const auto evadingTheLast = [](const auto& registry, const auto& asked, const auto& configuration) {
+    insertPing(*registry);
+    if (!registry->exists("telemetry.pong")) insertPong(*registry);
+    return Installed{chosen(asked), configuration};
+  };
+  const auto inserting = [](const auto&, const auto& asked, const auto& configuration) {
+    return Installed{chosen(asked), configuration};
+  };
+  auto withoutTags = telemetry(inserting);
+  withoutTags.tags.clear();
+
+  EXPECT_EQ(violation(Conformance::FailingInsertion, telemetry(swallowing)),
+            "installed into a closed registry without an exception");
+  EXPECT_EQ(violation(Conformance::FailingInsertion, telemetry(evading)),
+            "installed without an exception though the tag telemetry.ping was taken");
+  EXPECT_EQ(violation(Conformance::FailingInsertion, telemetry(evadingTheLast)),
+            "installed without an exception though the tag telemetry.pong was taken");
+  EXPECT_EQ(violation(Conformance::FailingInsertion, withoutTags), "");
+}
+
+TEST(conformance, SaysWhyARecordCannotBeInstalledAgain) {
+  const auto forgetful = [](auto&, Installed& installed) {
+    if (installed.second.erase("level") == 0) installed.second["level"] = "3";
+  };
+
+  EXPECT_EQ(said(Conformance::Replay, forgetful),
+            "version 2.1 cannot be installed again as it was recorded: Inconsistent serialization protocol "
+            "configuration");
+}
+
+TEST(conformance, SaysInWhatTheEndsDiffer) {
+  const auto ofClient = [](const std::function<void(Installed&)>& something) {
+    return said(Conformance::Lockstep, [something](Registry& registry, Installed& installed) {
+      if (registry.softwareName() == "client") something(installed);
+    });
+  };
+
+  EXPECT_EQ(ofClient([](auto& installed) {
+              installed.first = {2, 0};
+            }),
+            "of version 2.1 the server has 2.1, the client 2.0");
+  EXPECT_EQ(ofClient([](auto& installed) { installed.first = undefinedVersion; }),
+            "of version 2.1 the server has 2.1, the client no version");
+  EXPECT_EQ(ofClient([](auto& installed) { installed.second["mine"] = "1"; }),
+            "client and server have different configurations of version 2.1");
+  EXPECT_EQ(ofClient([](auto& installed) { installed.second.erase("batching"); }),
+            "client and server have different configurations of version 2.1");
+}
+
+TEST(conformance, SaysWhatIsWrongWithTheTags) {
   const auto declining = [](const auto&, const auto&, const auto&) {
     return Installed{undefinedVersion, {}};
   };
-  const auto throwing = [](const auto&, const auto&, const auto&) -> Installed {
-    throw std::runtime_error("mine");
-  };
+  auto twice = telemetry(install);
+  twice.tags.push_back("telemetry.ping");
 
   EXPECT_EQ(violation(Conformance::UniqueTagsAndTypes, telemetry(declining)),
             "version 1.4 has no serializer of the tag telemetry.ping");
+  EXPECT_EQ(violation(Conformance::UniqueTagsAndTypes, twice), "the tag telemetry.ping is promised twice");
+}
+
+TEST(conformance, SaysWhatTheInitializerThrew) {
+  const auto throwing = [](const auto&, const auto&, const auto&) -> Installed {
+    throw std::runtime_error("mine");
+  };
+  const auto throwingANumber = [](const auto&, const auto&, const auto&) -> Installed { throw 7; };
+
   EXPECT_EQ(violation(Conformance::Lockstep, telemetry(throwing)), "an exception came out: mine");
+  EXPECT_EQ(violation(Conformance::Lockstep, telemetry(throwingANumber)),
+            "an exception came out that is no std::exception");
+  EXPECT_EQ(violation(Conformance::FailingInsertion, telemetry(throwingANumber)),
+            "an exception came out that is no std::exception");
+}
+
+// To run out of memory says nothing about the protocol.
+TEST(conformance, LetsRunningOutOfMemoryThrough) {
+  int calls = 0;
+  int failing = 0;
+  const auto protocol = telemetry([&](const auto& registry, const auto& asked, const auto& configuration) {
+    if (++calls == failing) throw std::bad_alloc();
+    return install(registry, asked, configuration);
+  });
+  for (const auto check : allConformance) {
+    calls = failing = 0;
+    ASSERT_EQ(violation(check, protocol), "");
+    const int all = calls;
+    for (failing = 1; failing <= all; ++failing) {
+      calls = 0;
+      EXPECT_THROW(violation(check, protocol), std::bad_alloc) << toCString(check) << ' ' << failing;
+    }
+  }
 }
 
 TEST(conformance, ChecksAnEmptyConfigurationToo) {
@@ -187,6 +377,12 @@ TEST(conformance, ChecksAnEmptyConfigurationToo) {
             "declined for an empty configuration");
 }
 
+TEST(conformance, HasNothingToSayOfACheckWithoutAName) {
+  const auto throwing = [](const auto&, const auto&, const auto&) -> Installed { throw 7; };
+
+  EXPECT_EQ(violation(static_cast<Conformance>(99), telemetry(throwing)), "");
+}
+
 TEST(conformance, AsksForAVersion) {
   auto protocol = telemetry(install);
   protocol.versions.clear();
@@ -195,7 +391,11 @@ TEST(conformance, AsksForAVersion) {
 }
 
 TEST(conformance, NamesEachCheck) {
-  for (const auto check : allConformance) EXPECT_STRNE(toCString(check), "");
+  std::vector<std::string> names;
+  for (const auto check : allConformance) names.emplace_back(toCString(check));
+
+  EXPECT_THAT(names, ElementsAre("Idempotence", "Declining", "OtherVersion", "AnyConfiguration",
+                                 "FailingInsertion", "Replay", "Lockstep", "UniqueTagsAndTypes"));
   EXPECT_STREQ(toCString(static_cast<Conformance>(99)), "");
 }
 

@@ -2,11 +2,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 
 #include "Program.hpp"
 #include "documents.hpp"
 #include "foundation/json.hpp"
+#include "tests/corvane/inspect/utf8.hpp"
 
 namespace negotiate::tests {
 namespace {
@@ -120,6 +122,51 @@ TEST_F(Check, TellsEverythingAsOneObject) {
   reason.erase("sentence");
   EXPECT_EQ(foundation::json::serialize(reason),
             R"({"feature":"batching","ground":"WishFailed","protocol":"Telemetry","refuses":false})");
+}
+
+TEST_F(Check, TellsTheFindingsOfAllDocumentsInTheObjectToo) {
+  const auto request = workspace.write("request.json", brokenRequest);
+  const auto theirs =
+      workspace.write("offers.json", R"({"protocolOffers":[null],"software":{"name":"","version":""}})");
+
+  const auto outcome = run({"check", "--json", "--offers", theirs, request});
+
+  auto told = foundation::json::parse(outcome.out).to<foundation::json::Object>();
+  std::string lines;
+  for (const auto& finding : told.at("findings").to<foundation::json::Array>()) {
+    lines += foundation::json::serialize(finding) + '\n';
+  }
+  EXPECT_EQ(lines, run({"lint", "--json", theirs, request}).out);
+  EXPECT_EQ(std::ranges::count(lines, '\n'), 4);
+}
+
+TEST_F(Check, TellsOfNoFindingsWhereThereAreNone) {
+  EXPECT_THAT(check(soundRequest, {"--json"}).out, StartsWith(R"({"findings":[],"explanation":{)"));
+  EXPECT_THAT(check(soundRequest).out, Not(HasSubstr("findings")));
+}
+
+TEST_F(Check, TellsAnObjectOfUtf8WhateverTheBytes) {
+  const std::string request =
+      "{\"protocolConfigs\":[{\"name\":\"Tele\xff\",\"version\":{\"major\":2,\"minor\":1},\"features\":["
+      "{\"name\":\"\xed\xa0\x80\",\"value\":\"\xe2\x82\",\"handling\":\"required\"}],\"\xc0\":1}]}";
+
+  const auto outcome = check(request, {"--json"});
+
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_TRUE(foundation::corvane::inspect::isUtf8(outcome.out)) << testing::PrintToString(outcome.out);
+  EXPECT_THAT(outcome.out, HasSubstr("\"protocol\":\"Tele\ufffd\""));
+  EXPECT_THAT(outcome.out, HasSubstr("\"pointer\":\"/protocolConfigs/0/\ufffd\""));
+  const auto findings = run({"lint", "--json", workspace.path("request.json")}).out;
+  EXPECT_TRUE(foundation::corvane::inspect::isUtf8(findings)) << testing::PrintToString(findings);
+}
+
+TEST_F(Check, SaysThatNothingIsAgreedWhereASecondVersionEndsTheNegotiation) {
+  const std::string version = R"({"name":"Telemetry","version":{"major":2,"minor":)";
+  const auto outcome = check(R"({"protocolConfigs":[)" + version + "1}}," + version + "0}}]}");
+
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_THAT(outcome.out, HasSubstr("Agreed           installed as asked; but it comes to nothing: "));
+  EXPECT_THAT(lastLineOf(outcome.out), EndsWith(", and nothing is agreed [VersionConflict]"));
 }
 
 TEST_F(Check, TellsTheFindingsBesideTheVerdict) {

@@ -29,6 +29,17 @@ TEST(CommandLine, PrintsAHelpForTheProgramAndForEachCommand) {
   }
 }
 
+TEST(CommandLine, TakesAnHForHelp) {
+  EXPECT_EQ(run({"-h"}).out, run({"--help"}).out);
+  for (const std::string command : {"lint", "check", "explain", "matrix"}) {
+    const auto outcome = run({command, "-h"});
+
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out, run({command, "--help"}).out);
+    EXPECT_THAT(outcome.out, HasSubstr("\n  -h [ --help ] "));
+  }
+}
+
 TEST(CommandLine, PrintsAVersion) {
   const auto outcome = run({"--version"});
 

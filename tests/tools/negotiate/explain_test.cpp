@@ -15,6 +15,7 @@ using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
+using testing::StartsWith;
 
 class Explain : public testing::Test {
  protected:
@@ -67,6 +68,16 @@ TEST_F(Explain, TellsTheFindingsOfTheAnswer) {
 
   EXPECT_EQ(outcome.status, 3);
   EXPECT_THAT(outcome.err, EndsWith("[NotAnObject] /protocolResolutions/0\n"));
+}
+
+TEST_F(Explain, TellsTheFindingsOfAllDocumentsInTheObjectToo) {
+  const auto theirs = workspace.write("offers.json", R"({"protocolOffers":[1]})");
+
+  const auto outcome = explain(R"({"protocolResolutions":[[]]})", {"--json", "--offers", theirs});
+
+  EXPECT_THAT(outcome.out, StartsWith(R"({"findings":[{"column":)"));
+  EXPECT_THAT(outcome.out, AllOf(HasSubstr(R"("pointer":"/protocolResolutions/0")"),
+                                 HasSubstr(R"("pointer":"/protocolOffers/0")")));
 }
 
 TEST_F(Explain, RefusesInputThatItCannotUse) {

@@ -40,7 +40,7 @@ TEST_F(Printed, IsPlainWhereNobodyLooks) {
 
 TEST_F(Printed, IsPlainOnATerminalThatWantsItSo) {
   for (const auto& environment :
-       std::vector<std::vector<std::string>>{{"TERM=xterm", "NO_COLOR=1"}, {"TERM=dumb"}, {}}) {
+       std::vector<std::vector<std::string>>{{"TERM=xterm", "NO_COLOR=1"}, {"TERM=dumb"}, {"TERM="}, {}}) {
     EXPECT_THAT(run(check(vainRequest), {.environment = environment, .out = Out::terminal}).out,
                 Not(HasSubstr("\x1b")));
   }
@@ -81,6 +81,15 @@ TEST_F(Printed, IsNoErrorIfNobodyReadsIt) {
   expectStatus(1, check(wishfulRequest, {"--json"}));
   expectStatus(3, check(vainRequest));
   expectStatus(1, {"lint", workspace.write("findings.json", findings)});
+}
+
+TEST_F(Printed, EndsAsItWouldHaveEndedIfNobodyReadsItsFindings) {
+  std::string findings = R"({"protocolConfigs":[0)";
+  for (int i = 0; i < 10000; ++i) findings += ",0";
+  findings += "]}";
+
+  EXPECT_EQ(run(check(findings, {"--json"}), {.out = Out::abandonedPipe}).status, 1);
+  EXPECT_EQ(run(check(findings, {"--json", "--refuse=all"}), {.out = Out::abandonedPipe}).status, 3);
 }
 
 TEST_F(Printed, IsAnErrorIfItCannotBeWritten) {

@@ -25,7 +25,7 @@ commands=$("$program" --help | sed -n 's/^  corvane-negotiate \([a-z]*\) .*/\1/p
 [ "$(completed '' | grep -v '^-' | sorted)" = "$commands" ] || fail "the completion has other commands than the help"
 for command in $commands; do
   grep -q "$command" <<<"$manual" || fail "the manual lacks $command"
-  options=$("$program" "$command" --help | grep -o -- '^ *--[a-z]*' | tr -d ' ' | sorted)
+  options=$("$program" "$command" --help | grep -oE -- '^ *(-h \[ )?--[a-z]+' | grep -o -- '--.*' | sorted)
   [ "$(completed "$command" -- | sorted)" = "$options" ] || fail "the completion of $command has other options than its help"
   for option in $options; do
     grep -q -- "$option" <<<"$manual" || fail "the manual lacks $option"
@@ -42,6 +42,13 @@ for ground in $grounds; do
 done
 [ "$(completed check --refuse = WishFailed,Prot)" = WishFailed,ProtocolLost ] || fail "no second ground is completed"
 [ "$(completed check --colour a)" = $'auto\nalways' ] || fail "no colour is completed"
+[ "$(completed matrix offers --m)" = --markdown ] || fail "no option is completed before --"
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+(
+  cd "$folder" && touch -- --mine
+  [ "$(completed matrix offers -- --m)" = --mine ] && [ "$(completed matrix offers --refuse all -- request --m)" = --mine ]
+) || fail "no file is completed behind --"
 cd "$source" && [ "$(completed lint corvane-negotiate.b)" = corvane-negotiate.bash ] || fail "no file is completed"
 
 if command -v groff >/dev/null; then

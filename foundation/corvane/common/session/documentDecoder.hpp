@@ -82,7 +82,7 @@ template <std::size_t size, class Observer, class Read>
 [[gnu::always_inline]] inline bool readObject(json::Reader& reader, const std::array<Member, size>& members,
                                               Observer& observer, const Read& read) {
   unsigned missing = 0;
-  for (std::size_t i = 0; i != size; ++i) missing |= members[i].required ? 1U << i : 0U;
+  for (std::size_t i = 0; i != size; ++i) missing |= unsigned{members[i].required} << i;
   const unsigned required = missing;
   observer.beginObject(reader, members);
   for (;;) {

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <compare>
+#include <cstdint>
+#include <functional>
 #include <unordered_set>
 
 #include "foundation/corvane/common/uuid/uuid.hpp"
@@ -43,6 +45,19 @@ TEST(UUIDType, HashesByValue) {
     EXPECT_TRUE(all.insert(id).second);
     EXPECT_TRUE(all.contains(UUIDType(id.value)));
   }
+}
+
+// Such as uuids that somebody counts.
+TEST(UUIDType, HashesUuidsApartThatDifferInASingleByte) {
+  std::unordered_set<std::size_t> hashes;
+  for (std::size_t place = 0; place < 16; ++place) {
+    for (unsigned byte = 1; byte < 256; ++byte) {
+      auto value = uuid::generateNil();
+      value.begin()[place] = static_cast<std::uint8_t>(byte);
+      hashes.insert(std::hash<UUIDType>()(UUIDType(value)));
+    }
+  }
+  EXPECT_EQ(hashes.size(), 16U * 255U);
 }
 
 }  // namespace
