@@ -1,0 +1,47 @@
+# SPDX-License-Identifier: Apache-2.0
+# Runs the port with stand-ins for vcpkg's own functions, which write down that they were called. Takes PORT (its
+# folder), VERSION (the project's), BINARY.
+file(READ ${PORT}/vcpkg.json manifest)
+string(JSON port_version GET "${manifest}" version)
+if(NOT port_version STREQUAL VERSION)
+  message(SEND_ERROR "the port is of version ${port_version}, the project of ${VERSION}")
+endif()
+
+set(called "")
+foreach(name IN ITEMS cmake_configure cmake_install cmake_config_fixup fixup_pkgconfig copy_tools install_copyright)
+  cmake_language(EVAL CODE "
+    macro(vcpkg_${name})
+      list(APPEND called ${name})
+      set(${name}_arguments \"\${ARGN}\")
+    endmacro()")
+endforeach()
+
+string(JSON PORT_NAME GET "${manifest}" name)
+set(CURRENT_PORT_DIR ${PORT})
+set(CURRENT_PACKAGES_DIR ${BINARY}/packages)
+file(REMOVE_RECURSE ${BINARY})
+file(MAKE_DIRECTORY ${CURRENT_PACKAGES_DIR}/debug/include ${CURRENT_PACKAGES_DIR}/share/gdb)
+set(PORT_FOLDER ${PORT})
+set(PORT ${PORT_NAME})
+include(${PORT_FOLDER}/portfile.cmake)
+
+if(NOT called STREQUAL
+    "cmake_configure;cmake_install;cmake_config_fixup;fixup_pkgconfig;copy_tools;install_copyright")
+  message(SEND_ERROR "the port calls ${called}")
+endif()
+cmake_parse_arguments(configure "" "SOURCE_PATH" "OPTIONS" ${cmake_configure_arguments})
+if(NOT EXISTS ${configure_SOURCE_PATH}/foundation/CMakeLists.txt)
+  message(SEND_ERROR "the port builds ${configure_SOURCE_PATH}, where there is nothing to build")
+endif()
+cmake_parse_arguments(copyright "" "" "FILE_LIST" ${install_copyright_arguments})
+if(NOT EXISTS ${copyright_FILE_LIST})
+  message(SEND_ERROR "there is no ${copyright_FILE_LIST}")
+endif()
+if(NOT EXISTS ${CURRENT_PACKAGES_DIR}/share/corvane-common/usage)
+  message(SEND_ERROR "the port does not say how it is used")
+endif()
+foreach(unwanted IN ITEMS debug/include share/gdb)
+  if(EXISTS ${CURRENT_PACKAGES_DIR}/${unwanted})
+    message(SEND_ERROR "the port leaves ${unwanted} in the package")
+  endif()
+endforeach()
