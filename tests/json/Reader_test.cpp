@@ -385,6 +385,58 @@ TEST(Reader, FindsAStrayByteWhereverItStandsInAString) {
   }
 }
 
+// Digits are walked in steps of several bytes, in which or between which a number may end.
+TEST(Reader, EndsANumberBeforeTheFirstByteThatIsNoDigit) {
+  for (const char usual : {'1', '6', '9'}) {
+    for (std::size_t size = 2; size < 20; ++size) {
+      for (std::size_t place = 1; place < size; ++place) {
+        for (int byte = 0; byte < 256; ++byte) {
+          if ("0123456789.eE"s.find(static_cast<char>(byte)) != std::string::npos) continue;
+          std::string text(size, usual);
+          text[place] = static_cast<char>(byte);
+          Reader reader(text);
+          ASSERT_EQ(reader.next(), Token::Number);
+          ASSERT_EQ(reader.raw().size(), place) << "byte " << byte << " of " << size;
+        }
+      }
+    }
+  }
+}
+
+TEST(Reader, TakesNothingButHexadecimalDigitsInAnEscape) {
+  for (const std::string digits : {"00e9", "d7ff", "ffff"}) {
+    for (std::size_t place = 0; place < digits.size(); ++place) {
+      for (int byte = 0; byte < 256; ++byte) {
+        const char letter = static_cast<char>(byte);
+        const bool isDigit = "0123456789abcdefABCDEF"s.find(letter) != std::string::npos;
+        if (place == 1 && digits[0] == 'd' && isDigit && letter != '7') continue;  // perhaps half of a pair
+        if (place == 0 && (letter == 'd' || letter == 'D')) continue;
+        auto changed = digits;
+        changed[place] = letter;
+
+        // with more text behind it and without
+        for (const auto* rest : {"\"", "\" ", ""}) {
+          const auto text = "\"\\u" + changed + rest;
+          const auto fault = faultOf(text);
+          const auto expected = !isDigit     ? std::optional<std::size_t>(1)
+                                : *rest == 0 ? std::optional(text.size())
+                                             : std::nullopt;
+          ASSERT_EQ(fault, expected) << text;
+        }
+      }
+    }
+  }
+}
+
+TEST(Reader, FindsAnEscapeThatEndsTooEarlyOrIsNone) {
+  EXPECT_EQ(faultOf("\"\\x"), 1U);
+  EXPECT_EQ(faultOf("\"\\n"), 3U);
+  for (const std::string digits : {"0c", "0d", "cd", "dc"}) {
+    const auto text = "\"\\u" + digits;
+    EXPECT_EQ(faultOf(text), digits == "dc" ? 1U : text.size()) << text;
+  }
+}
+
 TEST(Reader, ResolvesEscapesToBytes) {
   struct Case {
     std::string text;
