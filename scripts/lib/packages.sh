@@ -109,18 +109,10 @@ list_group() {
       ;;
     packaging)
       need dpkg-dev "builds Debian packages" has_program dpkg-buildpackage
-      need fakeroot "gives the files in them to root" has_program fakeroot
-      need debhelper "what debian/rules is written with" has_program dh
       need lintian "judges the packages" has_program lintian
       need debootstrap "makes a bare Debian to try them in" has_program debootstrap
       need reuse "checks that every file has a licence, and lists the contents" has_program reuse
       need python3 "writes the list of the exported symbols and the bill of materials" has_program python3
-      ;;
-    build-depends)  # known to dpkg, which is not satisfied by what the build would find
-      local package
-      for package in $(dpkg-checkbuilddeps 2>&1 | sed -n 's/.*Unmet build dependencies: //p' | sed 's/([^)]*)//g'); do
-        need "$package" "named in debian/control" false
-      done
       ;;
     docs)
       need doxygen "makes the site of the comments and the pages" has_program doxygen

@@ -415,7 +415,7 @@ TEST(Reader, TakesNothingButHexadecimalDigitsInAnEscape) {
         changed[place] = letter;
 
         // with more text behind it and without
-        for (const auto* rest : {"\"", "\" ", ""}) {
+        for (const auto* rest : {"\"", "\" ", "00\"", ""}) {
           const auto text = "\"\\u" + changed + rest;
           const auto fault = faultOf(text);
           const auto expected = !isDigit     ? std::optional<std::size_t>(1)
@@ -431,6 +431,11 @@ TEST(Reader, TakesNothingButHexadecimalDigitsInAnEscape) {
 TEST(Reader, FindsAnEscapeThatEndsTooEarlyOrIsNone) {
   EXPECT_EQ(faultOf("\"\\x"), 1U);
   EXPECT_EQ(faultOf("\"\\n"), 3U);
+  EXPECT_EQ(faultOf(R"("\ud800xudc00")"), 1U);
+  EXPECT_EQ(faultOf(R"("\ud800\xdc00")"), 1U);
+  EXPECT_EQ(faultOf(R"("\ud800\u1c00")"), 1U);
+  EXPECT_EQ(faultOf(R"("\ud800\udb00")"), 1U);
+  EXPECT_EQ(faultOf(R"("\ud800\udcg0")"), 1U);
   for (const std::string digits : {"0c", "0d", "cd", "dc"}) {
     const auto text = "\"\\u" + digits;
     EXPECT_EQ(faultOf(text), digits == "dc" ? 1U : text.size()) << text;
@@ -454,6 +459,7 @@ TEST(Reader, ResolvesEscapesToBytes) {
                                    {R"("\ud800\udc00")", "\xf0\x90\x80\x80"},
                                    {R"("\uDBFF\uDFFF")", "\xf4\x8f\xbf\xbf"},
                                    {R"("x\ud83d\uDE00y")", "x\xf0\x9f\x98\x80y"},
+                                   {R"("\ud83d\udE0d")", "\xf0\x9f\x98\x8d"},
                                    {"\"\x80\xff\xed\xa0\x80\"", "\x80\xff\xed\xa0\x80"},
                                    {"\"0123456789\\n0123456789\"", "0123456789\n0123456789"}};
 
@@ -539,6 +545,8 @@ TEST(Reader, GivesNumbersBeyondTheRangeOfDoublesTheirLimitAndSign) {
       {"1" + zeros, infinity},
       {"-0." + zeros + "1", -0.0},
       {"0." + zeros, 0.0},
+      {"0." + repeated("0", 100) + "e999", 0.0},
+      {"-0." + repeated("0", 100) + "e999", -0.0},
       {"1." + zeros + "e308", 1e308},
       {"1.7976931348623157e308", std::numeric_limits<double>::max()},
       {"1.7976931348623158e308", std::numeric_limits<double>::max()},
@@ -626,6 +634,7 @@ TEST(Reader, RoundsTheMiddleBetweenTwoDoublesByTheLastOfItsDigits) {
     const double even = (bits & 1) == 0 ? lower : upper;
     EXPECT_EQ(std::get<double>(numberOf(exact)), even) << exact;
     EXPECT_EQ(std::get<double>(numberOf(mantissa + repeated("0", 2000) + "1" + power)), upper) << exact;
+    EXPECT_EQ(std::get<double>(numberOf(mantissa + repeated("0", 2000) + "10" + power)), upper) << exact;
     // a bit less without its last digit
     const auto cut = mantissa.substr(0, mantissa.find_last_not_of('0'));
     if (cut.back() != '.') {
@@ -638,6 +647,20 @@ TEST(Reader, HasNoNumberButOnANumber) {
   Reader reader(R"(["17",true])");
 
   while (reader.next() != Token::End) EXPECT_EQ(reader.number(), Number(std::int64_t{0}));
+}
+
+TEST(Reader, HasARawTextOnlyOfStringsAndNumbers) {
+  Reader reader(R"([1,true,2,null,"a\n",false,3])");
+  std::vector<std::string> raws;
+
+  while (reader.next() != Token::End) raws.emplace_back(reader.raw());
+  EXPECT_EQ(reader.raw(), "");
+  EXPECT_THAT(raws, ElementsAre("", "1", "", "2", "", "a\\n", "", "3", ""));
+
+  Reader number("7 ");
+  number.next();
+  EXPECT_EQ(number.next(), Token::End);
+  EXPECT_EQ(number.raw(), "");
 }
 
 TEST(Reader, SkipsAContainerToItsEnd) {

@@ -324,6 +324,19 @@ TEST(conformance, SaysInWhatTheEndsDiffer) {
             "client and server have different configurations of version 2.1");
 }
 
+TEST(conformance, PlaysANegotiationWithoutFeaturesToo) {
+  auto protocol = telemetry([](const auto& registry, const auto& asked, const auto& configuration) {
+    auto installed = install(registry, asked, configuration);
+    if (registry->softwareName() == "server") installed.second["side"] = "mine";
+    return installed;
+  });
+  protocol.versions = {{2, 1}};
+  protocol.features.clear();
+
+  EXPECT_EQ(violation(Conformance::Lockstep, protocol),
+            "client and server have different configurations of version 2.1");
+}
+
 TEST(conformance, SaysWhatIsWrongWithTheTags) {
   const auto declining = [](const auto&, const auto&, const auto&) {
     return Installed{undefinedVersion, {}};

@@ -113,6 +113,22 @@ TEST_F(DumpFastLogFaults, StopsWhereNothingMoreIsTaken) {
   }
 }
 
+TEST_F(DumpFastLogFaults, DropsALongTextWhereNothingMoreIsTaken) {
+  const std::string text(500'000, 'x');
+  logger->snapshot();
+  logger->log("a", text.c_str(), nullptr, nullptr);
+  int calls = 0;
+
+  const auto dumped = dump([&](std::size_t) -> ssize_t {
+    ++calls;
+    return 0;
+  });
+
+  EXPECT_EQ(dumped, "");
+  EXPECT_EQ(calls, 1);
+  logger->snapshot();
+}
+
 int lowestFreeDescriptor() {
   const int free = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
   ::close(free);
