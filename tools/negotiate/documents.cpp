@@ -70,18 +70,20 @@ Document readDocument(const std::string& file, inspect::Document kind) {
   return document;
 }
 
-Request toRequest(Document document) {
-  return {shrunk(session::toConfigs(document.text), &session::MessageProtocolConfig::features),
+Request toRequest(Document&& document) {
+  const auto text = std::move(document.text);
+  return {shrunk(session::toConfigs(text), &session::MessageProtocolConfig::features), document.misread};
+}
+
+Answer toAnswer(Document&& document) {
+  const auto text = std::move(document.text);
+  return {shrunk(session::toResolutions(text), &session::MessageProtocolResolution::resolutions),
           document.misread};
 }
 
-Answer toAnswer(Document document) {
-  return {shrunk(session::toResolutions(document.text), &session::MessageProtocolResolution::resolutions),
-          document.misread};
-}
-
-inspect::Offers toOffers(Document document) {
-  auto offers = inspect::toOffers(document.text);
+inspect::Offers toOffers(Document&& document) {
+  const auto text = std::move(document.text);
+  auto offers = inspect::toOffers(text);
   offers.protocols = shrunk(std::move(offers.protocols), &inspect::ProtocolOffer::features);
   return offers;
 }

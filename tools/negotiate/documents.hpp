@@ -40,8 +40,8 @@ using Request = Read<foundation::corvane::common::session::MessageProtocolConfig
 using Answer = Read<foundation::corvane::common::session::MessageProtocolResolution>;
 
 // They take the document, so that its text is not kept beside its records.
-Request toRequest(Document document);
-Answer toAnswer(Document document);
-foundation::corvane::inspect::Offers toOffers(Document document);
+Request toRequest(Document&& document);
+Answer toAnswer(Document&& document);
+foundation::corvane::inspect::Offers toOffers(Document&& document);
 
 }  // namespace negotiate

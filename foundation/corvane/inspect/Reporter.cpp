@@ -103,7 +103,7 @@ void Reporter::misfit(const json::Reader& reader, Misfit misfit) {
              consequence(effect, object.members, object.member));
 }
 
-void Reporter::reread(const json::Reader& reader, double, unsigned taken) {
+void Reporter::reread(const json::Reader& reader, double /*number*/, unsigned taken) {
   if (!isHeard(Effect::Reread)) return;
   const auto& object = open_.back();
   report(Rule::FractionalNumber, Effect::Reread, places_.at(reader.offset()),
@@ -111,7 +111,7 @@ void Reporter::reread(const json::Reader& reader, double, unsigned taken) {
              " and should be a whole number: it counts as " + std::to_string(taken));
 }
 
-void Reporter::endObject(const json::Reader&, bool) {
+void Reporter::endObject(const json::Reader& /*reader*/, bool /*whole*/) {
   const auto& object = open_.back();  // whose last member nothing can replace
   for (std::size_t i = 0; i != object.members.size(); ++i) {
     if ((object.seen & 1U << i) != 0) continue;

@@ -3,14 +3,15 @@
 
 namespace foundation::corvane::inspect::detail {
 
-void Scout::beginObject(const json::Reader&, std::span<const common::session::detail::Member> members) {
+void Scout::beginObject(const json::Reader& /*reader*/,
+                        std::span<const common::session::detail::Member> members) {
   Object object{fates_.lost.size(), members.size(), {}};
   object.latest.fill(none);
   open_.push_back(object);
   fates_.lost.push_back(false);
 }
 
-void Scout::member(const json::Reader&, std::size_t index) {
+void Scout::member(const json::Reader& /*reader*/, std::size_t index) {
   auto& object = open_.back();
   if (index == object.size) return;
   auto& latest = object.latest[index];
@@ -19,7 +20,7 @@ void Scout::member(const json::Reader&, std::size_t index) {
   fates_.replaced.push_back(false);
 }
 
-void Scout::endObject(const json::Reader&, bool whole) {
+void Scout::endObject(const json::Reader& /*reader*/, bool whole) {
   fates_.lost[open_.back().index] = !whole;
   open_.pop_back();
 }

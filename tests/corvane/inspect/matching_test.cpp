@@ -37,7 +37,8 @@ std::vector<FeatureStatus> statusesOf(const std::vector<FeatureHandling>& handli
   for (const auto status : answer) resolution.resolutions.emplace_back("x", "1", status);
 
   std::vector<FeatureStatus> statuses;
-  for (const auto& feature : explain({config}, {resolution}).protocols.at(0).features) {
+  const auto explanation = explain({config}, {resolution});
+  for (const auto& feature : explanation.protocols.at(0).features) {
     statuses.push_back(feature.status);
   }
   return statuses;

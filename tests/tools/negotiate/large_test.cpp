@@ -96,12 +96,12 @@ TEST(LargeDocument, IsExplainedInTwiceTheMemoryOfItsTextAndItsRecords) {
   GTEST_SKIP() << "a sanitizer's memory has no bounds";
 #endif
   const Workspace workspace;
-  const auto documents = manyProtocols(3'000'000);
+  const auto documents = manyProtocols(8'000'000);
   const auto request = workspace.write("request.json", documents.request);
   const auto answer = workspace.write("answer.json", documents.answer);
   const auto offers = workspace.write("offers.json", documents.offers);
   const auto needed = documents.request.size() + memoryOf(session::toConfigs(documents.request));
-  constexpr std::size_t ofProgram = 20'000'000;  // itself, and its libraries
+  constexpr std::size_t ofProgram = 64'000'000;  // itself, and its libraries
   const auto limit = std::to_string((2 * needed + ofProgram) / 1024);
   const auto runIn = [&](const Arguments& arguments) {
     Arguments words{"-c", R"(ulimit -v "$0"; exec "$@")", limit, NEGOTIATE};
