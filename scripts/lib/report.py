@@ -83,37 +83,37 @@ class Results:
         return run["real_time" if other else "cpu_time"] * NANOSECONDS[run["time_unit"]]
 
 
-def value_of(results, spec):
-    if "value" in spec:
-        return spec["value"]
-    return results.median(spec["benchmark"], spec.get("counter"))
+def value_of(results, entry):
+    if "value" in entry:
+        return entry["value"]
+    return results.median(entry["benchmark"], entry.get("counter"))
 
 
-def judge(row, spec, ours, results):
+def judge(row, entry, ours, results):
     """Fills in what compares a row with ours."""
     if row.value is None or ours is None:
         return
-    row.ratio = results.median(spec["benchmark"], spec["ratio"]) if "ratio" in spec else ours / row.value
-    if "at_most" in spec:
-        row.aim = f"at most {spec['at_most']:g} x"
-        row.wanted = row.value * spec["at_most"]
-        row.kept = row.ratio <= spec["at_most"]
-    elif "faster_at_least" in spec:
-        row.aim = f"at most 1/{spec['faster_at_least']:g}"
-        row.wanted = row.value / spec["faster_at_least"]
-        row.kept = row.ratio * spec["faster_at_least"] <= 1
+    row.ratio = results.median(entry["benchmark"], entry["ratio"]) if "ratio" in entry else ours / row.value
+    if "at_most" in entry:
+        row.aim = f"at most {entry['at_most']:g} x"
+        row.wanted = row.value * entry["at_most"]
+        row.kept = row.ratio <= entry["at_most"]
+    elif "faster_at_least" in entry:
+        row.aim = f"at most 1/{entry['faster_at_least']:g}"
+        row.wanted = row.value / entry["faster_at_least"]
+        row.kept = row.ratio * entry["faster_at_least"] <= 1
 
 
-def read_table(spec, results):
-    table = Table(spec["title"], spec["unit"], spec.get("quantity", "ns"), spec.get("note", ""))
-    ours = value_of(results, spec["rows"][0])
-    for index, row_spec in enumerate(spec["rows"]):
-        row = Row(row_spec["name"], "ours" if index == 0 else row_spec.get("role", "peer"))
-        row.value = value_of(results, row_spec)
+def read_table(entry, results):
+    table = Table(entry["title"], entry["unit"], entry.get("quantity", "ns"), entry.get("note", ""))
+    ours = value_of(results, entry["rows"][0])
+    for index, row_entry in enumerate(entry["rows"]):
+        row = Row(row_entry["name"], "ours" if index == 0 else row_entry.get("role", "peer"))
+        row.value = value_of(results, row_entry)
         if row.value is None:
-            row.missing = row_spec.get("missing", "not measured")
+            row.missing = row_entry.get("missing", "not measured")
         if index > 0:
-            judge(row, row_spec, ours, results)
+            judge(row, row_entry, ours, results)
         table.rows.append(row)
     return table
 
@@ -255,7 +255,7 @@ def main():
     for subject in arguments.subjects:
         targets = json.loads((ROOT / "benchmarks" / subject / "targets.json").read_text())
         results = Results(arguments.results / f"{subject}.json")
-        measured.append((subject, targets["title"], [read_table(spec, results) for spec in targets["tables"]]))
+        measured.append((subject, targets["title"], [read_table(entry, results) for entry in targets["tables"]]))
     for _, title, tables in measured:
         print(as_text(title, tables))
     if arguments.write:
