@@ -2,6 +2,9 @@
 #include "foundation/json/parse.hpp"
 
 #include <array>
+#include <cstddef>
+#include <deque>
+#include <iterator>
 #include <string>
 #include <utility>
 #include <variant>
@@ -11,49 +14,58 @@
 
 namespace foundation::json {
 
-namespace {
-
-// Of most arrays, which then need not grow.
-constexpr std::size_t usualSize = 4;
-
-}  // namespace
-
 Value parse(std::string_view text) {
   Reader reader(text);
   Value root;
   std::string name;
 
-  // The containers being filled, the innermost one last. They stay where they are: nothing is added to one
-  // before those inside it are closed.
-  std::array<Value*, Reader::maxDepth> open;
-  Array* array = nullptr;    // the innermost one, if it is an array
-  Object* object = nullptr;  // the innermost one, if it is an object
+  // The containers being filled, the innermost one last. What an array will hold waits among the elements
+  // until the array ends, and then moves into it all at once, so that no array ever grows. All stay where
+  // they are until then.
+  struct Open {
+    Value* container;
+    std::size_t firstElement;  // if it is an array
+  };
+  std::array<Open, Reader::maxDepth> open;
+  std::deque<Value> elements;
+  bool inArray = false;
+  Object* object = nullptr;  // the innermost container, if it is an object
 
   const auto put = [&](auto&& value) -> Value& {
-    if (array != nullptr) {
-      if (array->capacity() == 0) array->reserve(usualSize);
-      return array->emplace_back(std::forward<decltype(value)>(value));
-    }
+    if (inArray) return elements.emplace_back(std::forward<decltype(value)>(value));
     if (object == nullptr) return root = std::forward<decltype(value)>(value);
     return object->insert_or_assign(object->end(), std::move(name), std::forward<decltype(value)>(value))
         ->second;
   };
-  const auto fill = [&](Value* container) {
-    array = container == nullptr ? nullptr : container->find<Array>();
-    object = container == nullptr ? nullptr : container->find<Object>();
+  const auto fill = [&](Value& container) {
+    inArray = container.is<Array>();
+    object = container.find<Object>();
+  };
+  const auto begin = [&](auto&& container) {
+    Value& value = put(std::forward<decltype(container)>(container));
+    open[reader.depth() - 1] = {&value, elements.size()};
+    fill(value);
+  };
+  const auto endArray = [&] {
+    const auto [array, firstElement] = open[reader.depth()];
+    const auto first = elements.begin() + static_cast<std::ptrdiff_t>(firstElement);
+    array->find<Array>()->assign(std::move_iterator(first), std::move_iterator(elements.end()));
+    elements.erase(first, elements.end());
   };
 
   for (;;) {
     switch (reader.next()) {  // unreachable: there is no other token
       case Token::ObjectBegin:
-        fill(open[reader.depth() - 1] = &put(Object()));
+        begin(Object());
         break;
       case Token::ArrayBegin:
-        fill(open[reader.depth() - 1] = &put(Array()));
+        begin(Array());
         break;
-      case Token::ObjectEnd:
       case Token::ArrayEnd:
-        fill(reader.depth() == 0 ? nullptr : open[reader.depth() - 1]);
+        endArray();
+        [[fallthrough]];
+      case Token::ObjectEnd:
+        if (reader.depth() != 0) fill(*open[reader.depth() - 1].container);
         break;
       case Token::Name:
         reader.copyTo(name);

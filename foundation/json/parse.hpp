@@ -24,8 +24,8 @@ class FOUNDATION_EXPORT parse_error : public std::runtime_error {
 };
 
 /// The one value that `text` holds, as `Reader` understands it; the last of equal member names counts.
-/// Include "foundation/json/Value.hpp" to call it. Linear in the text's size, but for the logarithm of an
-/// object's size per member.
+/// An array has room for its elements and no more. Include "foundation/json/Value.hpp" to call it. Linear in
+/// the text's size, but for the logarithm of an object's size per member.
 /// @throws parse_error the text is not one JSON value in white space, or is nested deeper than
 /// `Reader::maxDepth`.
 /// @throws std::bad_alloc

@@ -44,6 +44,20 @@ TEST(Parse, KeepsTheShapeOfATree) {
                     {"g", 0.5}}));
 }
 
+TEST(Parse, GivesArraysRoomForTheirElementsAndNoMore) {
+  const Value value = parse("[[],[1],[1,2,3,4,5,6,7,8,9],[[1,2,3],4,{\"a\":[5,6,7,8,9]}]]");
+
+  const auto& arrays = *value.find<Array>();
+  EXPECT_EQ(arrays.capacity(), 4u);
+  EXPECT_EQ(arrays[0].find<Array>()->capacity(), 0u);
+  EXPECT_EQ(arrays[1].find<Array>()->capacity(), 1u);
+  EXPECT_EQ(arrays[2].find<Array>()->capacity(), 9u);
+  const auto& mixed = *arrays[3].find<Array>();
+  EXPECT_EQ(mixed.capacity(), 3u);
+  EXPECT_EQ(mixed[0].find<Array>()->capacity(), 3u);
+  EXPECT_EQ(mixed[2].find<Object>()->at("a").find<Array>()->capacity(), 5u);
+}
+
 TEST(Parse, FindsMembersInWhateverOrderTheyAreWritten) {
   EXPECT_EQ(parse(R"({"m":1,"z":2,"a":3,"n":4})"), (Object{{"a", 3}, {"m", 1}, {"n", 4}, {"z", 2}}));
 }
