@@ -21,9 +21,6 @@ void fuzz::look(std::string_view input) {
     return !config.name.empty() &&
            std::count(config.features.begin(), config.features.end(), session::FeatureRequest{}) == 0;
   };
-  const auto* list = tree ? tree->find("protocolConfigs") : nullptr;
-  const bool kept = list != nullptr && list->is(Node::Kind::Array) &&
-                    list->elements.size() == configs.size() &&
-                    std::all_of(configs.begin(), configs.end(), isWhole);
+  const bool kept = isKept(tree, "protocolConfigs", configs, isWhole);
   checkDiagnosis(inspect::Document::ProtocolConfigs, text, tree, written, kept);
 }

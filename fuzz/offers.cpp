@@ -21,9 +21,6 @@ void fuzz::look(std::string_view text) {
     return !offer.name.empty() &&
            std::count(offer.features.begin(), offer.features.end(), session::FeatureRequest{}) == 0;
   };
-  const auto* list = tree ? tree->find("protocolOffers") : nullptr;
-  const bool kept = list != nullptr && list->is(Node::Kind::Array) &&
-                    list->elements.size() == offers.protocols.size() &&
-                    std::all_of(offers.protocols.begin(), offers.protocols.end(), isWhole);
+  const bool kept = isKept(tree, "protocolOffers", offers.protocols, isWhole);
   checkDiagnosis(inspect::Document::ProtocolOffers, text, tree, written, kept);
 }

@@ -22,9 +22,6 @@ void fuzz::look(std::string_view input) {
     return !resolution.name.empty() &&
            std::count(outcomes.begin(), outcomes.end(), session::FeatureResolution()) == 0;
   };
-  const auto* list = tree ? tree->find("protocolResolutions") : nullptr;
-  const bool kept = list != nullptr && list->is(Node::Kind::Array) &&
-                    list->elements.size() == resolutions.size() &&
-                    std::all_of(resolutions.begin(), resolutions.end(), isWhole);
+  const bool kept = isKept(tree, "protocolResolutions", resolutions, isWhole);
   checkDiagnosis(inspect::Document::ProtocolResolutions, text, tree, written, kept);
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <algorithm>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,6 +17,16 @@ namespace fuzz {
 /// object.
 std::vector<foundation::corvane::inspect::Finding> findingsOf(foundation::corvane::inspect::Document document,
                                                               const Node& tree);
+
+/// Whether a reader returned as many records as the list `name` of the tree has elements, and each of them
+/// whole.
+template <class Records, class IsWhole>
+bool isKept(const std::optional<Node>& tree, std::string_view name, const Records& records,
+            const IsWhole& isWhole) {
+  const auto* const list = tree ? tree->find(name) : nullptr;
+  return list != nullptr && list->is(Node::Kind::Array) && list->elements.size() == records.size() &&
+         std::all_of(records.begin(), records.end(), isWhole);
+}
 
 /// Checks what `diagnose` says of a text, of which `tree` is the tree: against the findings that it deserves,
 /// and against `written`, what the reader's result writes again. `kept` says whether the reader returned as

@@ -31,6 +31,13 @@ std::string writeLargeRequest(const Workspace& workspace) {
   return path;
 }
 
+// The program with so much memory for everything in it, in bytes.
+Outcome runWithin(std::size_t memory, const Arguments& arguments) {
+  Arguments words{"-c", R"(ulimit -v "$0"; exec "$@")", std::to_string(memory / 1024), NEGOTIATE};
+  words.insert(words.end(), arguments.begin(), arguments.end());
+  return runProgram("/bin/sh", words);
+}
+
 TEST(LargeDocument, IsLintedInLittleMoreMemoryThanItsOwn) {
 #ifdef SANITIZED
   GTEST_SKIP() << "a sanitizer's memory has no bounds";
@@ -38,8 +45,7 @@ TEST(LargeDocument, IsLintedInLittleMoreMemoryThanItsOwn) {
   const Workspace workspace;
   const auto path = writeLargeRequest(workspace);
 
-  const auto outcome =
-      runProgram("/bin/sh", {"-c", R"(ulimit -v 160000; exec "$0" lint "$1")", NEGOTIATE, path});
+  const auto outcome = runWithin(164'000'000, {"lint", path});
 
   EXPECT_EQ(outcome.status, 1);
   EXPECT_THAT(outcome.out, EndsWith("[NotAnObject] /protocolConfigs/193051\n"));
@@ -102,17 +108,13 @@ TEST(LargeDocument, IsExplainedInTwiceTheMemoryOfItsTextAndItsRecords) {
   const auto offers = workspace.write("offers.json", documents.offers);
   const auto needed = documents.request.size() + memoryOf(session::toConfigs(documents.request));
   constexpr std::size_t ofProgram = 64'000'000;  // itself, and its libraries
-  const auto limit = std::to_string((2 * needed + ofProgram) / 1024);
-  const auto runIn = [&](const Arguments& arguments) {
-    Arguments words{"-c", R"(ulimit -v "$0"; exec "$@")", limit, NEGOTIATE};
-    words.insert(words.end(), arguments.begin(), arguments.end());
-    return runProgram("/bin/sh", words);
-  };
+  const auto limit = 2 * needed + ofProgram;
 
-  EXPECT_THAT(runIn({"check", "--offers", offers, request}).out, HasSubstr("\nRefused: "));
-  EXPECT_THAT(runIn({"check", "--json", "--offers", offers, request}).out, EndsWith(R"("verdict":"Refused"}})"
-                                                                                    "\n"));
-  EXPECT_THAT(runIn({"explain", request, answer}).out, EndsWith("\nAgreed\n"));
+  EXPECT_THAT(runWithin(limit, {"check", "--offers", offers, request}).out, HasSubstr("\nRefused: "));
+  EXPECT_THAT(runWithin(limit, {"check", "--json", "--offers", offers, request}).out,
+              EndsWith(R"("verdict":"Refused"}})"
+                       "\n"));
+  EXPECT_THAT(runWithin(limit, {"explain", request, answer}).out, EndsWith("\nAgreed\n"));
 }
 
 }  // namespace
