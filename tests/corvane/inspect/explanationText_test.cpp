@@ -134,6 +134,19 @@ std::string colourOf(FeatureOutcome outcome, FeatureHandling handling) {
   return colourOf(Explanation{{protocol}, {}});
 }
 
+TEST(ExplanationText, ColoursNothingAsAgreedBesideAConflictOfVersions) {
+  ProtocolExplanation agreed;
+  agreed.outcome = ProtocolOutcome::Agreed;
+  ProtocolExplanation older;
+  older.outcome = ProtocolOutcome::OlderVersion;
+  ProtocolExplanation conflict;
+  conflict.outcome = ProtocolOutcome::VersionConflict;
+
+  EXPECT_EQ(colourOf(Explanation{{conflict, agreed}, {}}), "\x1b[31m");
+  EXPECT_EQ(colourOf(Explanation{{conflict, older}, {}}), "\x1b[33m");
+  EXPECT_EQ(colourOf(Explanation{{older, agreed}, {}}), "\x1b[32m");
+}
+
 TEST(ExplanationText, ColoursWhatCameOut) {
   const std::string green = "\x1b[32m";
   const std::string yellow = "\x1b[33m";

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <vector>
 
 #include "foundation/corvane/inspect/Explanation.hpp"
@@ -15,6 +16,7 @@ using common::session::FeatureHandling;
 using common::session::FeatureRequest;
 using common::session::FeatureStatus;
 using common::session::MessageProtocolConfig;
+using common::session::MessageProtocolResolution;
 using common::session::FeatureHandling::required;
 using common::session::FeatureStatus::success;
 using common::session::FeatureStatus::undefined;
@@ -33,7 +35,7 @@ std::vector<FeatureStatus> statusesOf(const std::vector<FeatureHandling>& handli
                                       const std::vector<FeatureStatus>& answer) {
   MessageProtocolConfig config = asked({});
   for (const auto handling : handlings) config.features.push_back({"x", "1", handling});
-  common::session::MessageProtocolResolution resolution("p", {1, 0}, {});
+  MessageProtocolResolution resolution("p", {1, 0}, {});
   for (const auto status : answer) resolution.resolutions.emplace_back("x", "1", status);
 
   std::vector<FeatureStatus> statuses;
@@ -64,6 +66,58 @@ TEST(Matching, RemembersAContradictionWhateverFollows) {
 
   ASSERT_EQ(judgement.reasons.size(), 1U);
   EXPECT_EQ(judgement.reasons.front().ground, Ground::ContradictoryEntries);
+}
+
+// Which requests, by their positions, have an answer.
+std::vector<std::size_t> answered(const std::vector<MessageProtocolConfig>& requests,
+                                  const std::vector<MessageProtocolResolution>& answer) {
+  std::vector<std::size_t> positions;
+  const auto explanation = explain(requests, answer);
+  for (std::size_t i = 0; i != explanation.protocols.size(); ++i) {
+    const auto outcome = explanation.protocols[i].outcome;
+    const bool isLost = outcome == ProtocolOutcome::UnknownOrDeclined || outcome == ProtocolOutcome::Declined;
+    if (!isLost) positions.push_back(i);
+  }
+  return positions;
+}
+
+MessageProtocolResolution acceptedFeature(const char* name) {
+  return {"p", {1, 0}, {{name, "1", success}}};
+}
+
+TEST(Matching, TakesTheFirstOfEqualRequestsForThoseThatWereDeclined) {
+  const auto request = asked({{"x", "1", required}});
+
+  EXPECT_THAT(answered({request, request, request}, {acceptedFeature("x")}), ElementsAre(2));
+  EXPECT_THAT(answered({request, request, request}, {acceptedFeature("x"), acceptedFeature("x")}),
+              ElementsAre(1, 2));
+}
+
+TEST(Matching, GivesTheFirstAnswerToTheFirstRequestThatItFitsIfItFitsNotTheFirstPossibleOne) {
+  const auto x = asked({{"x", "1", required}});
+  const auto y = asked({{"y", "1", required}});
+
+  EXPECT_THAT(answered({y, x, y}, {acceptedFeature("x")}), ElementsAre(1));
+  EXPECT_THAT(answered({x, x, y}, {acceptedFeature("x")}), ElementsAre(0));
+}
+
+TEST(Matching, GivesTheFirstAnswerToARequestThatItFitsButForTheVersion) {
+  auto newer = asked({{"x", "1", required}});
+  newer.version = {2, 0};
+  const auto y = asked({{"y", "1", required}});
+
+  EXPECT_THAT(answered({newer, y, y}, {acceptedFeature("x")}), ElementsAre(0));
+}
+
+TEST(Matching, LosesNoMoreRequestsThanThereAreTooManyForTheAnswers) {
+  const auto x = asked({{"x", "1", required}});
+  const auto y = asked({{"y", "1", required}});
+
+  EXPECT_THAT(answered({x, y, y, y}, {acceptedFeature("x"), acceptedFeature("z")}), ElementsAre(0, 3));
+  EXPECT_THAT(answered({x, y, y}, {acceptedFeature("x"), acceptedFeature("z"), acceptedFeature("z")}),
+              ElementsAre(0, 1, 2));
+  EXPECT_THAT(answered({x, y, x, y}, {acceptedFeature("x"), acceptedFeature("x"), acceptedFeature("z")}),
+              ElementsAre(0, 2, 3));
 }
 
 TEST(Matching, GivesNoAnswerToARequestOfWhichItLacksAFeature) {

@@ -130,7 +130,7 @@ class Printer {
     std::array<char, 512> piece;  // NOLINT: filled before it is read
     for (std::size_t done = 0; done < longest;) {
       const auto position = reinterpret_cast<std::uintptr_t>(text + done);
-      const auto size = piece.size() - position % piece.size();
+      const auto size = std::min(piece.size() - position % piece.size(), longest - done);
       if (!reader_.read(text + done, piece.data(), size)) return false;
       const auto* const end = static_cast<const char*>(std::memchr(piece.data(), '\0', size));
       use(std::string_view(piece.data(),

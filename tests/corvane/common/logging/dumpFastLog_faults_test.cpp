@@ -4,13 +4,18 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 #include <sys/syscall.h>
 #include <sys/uio.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <cstddef>
+#include <cstdlib>
+#include <cstring>
 #include <functional>
+#include <memory>
 #include <string>
 
 #include "foundation/corvane/common/logging/FastLogger.hpp"
@@ -96,15 +101,26 @@ TEST_F(DumpFastLogFaults, GoesOnAfterASignalAndAfterAPart) {
   EXPECT_EQ(bitByBit, whole);
 }
 
+TEST_F(DumpFastLogFaults, WritesASingleByteThatWasLeft) {
+  const auto whole = dump(everything);
+
+  const auto allButOne = dump([](std::size_t size) {
+    errno = EIO;  // of another call, and long past
+    return static_cast<ssize_t>(size > 1 ? size - 1 : 1);
+  });
+
+  EXPECT_EQ(allButOne, whole);
+}
+
 TEST_F(DumpFastLogFaults, StopsWhereNothingMoreIsTaken) {
-  for (const int error : {0, EPIPE, EAGAIN}) {
+  for (const int error : {0, EINTR, EPIPE, EAGAIN}) {
     int calls = 0;
     errno = ENOENT;
 
     const auto text = dump([&](std::size_t) -> ssize_t {
       if (++calls == 1) return 10;
       errno = error;
-      return error == 0 ? 0 : -1;
+      return error == 0 || error == EINTR ? 0 : -1;
     });
 
     EXPECT_EQ(text, "Log size =");
@@ -175,18 +191,76 @@ TEST_F(DumpFastLogFaults, CountsATextThatIsReadInPartAsUnreadable) {
   EXPECT_EQ(pipesMade, 0) << "asked in another way";
 }
 
-TEST_F(DumpFastLogFaults, CountsATextOfMoreThanAMebibyteAsUnreadable) {
-  constexpr std::size_t mebibyte = 1U << 20U;
-  const std::string tooLong(mebibyte + 1000, 'x');
-  const std::string longest(mebibyte - 1, 'y');
+TEST_F(DumpFastLogFaults, AsksForATextInOneWayOnlyEvenIfNoByteOfItIsRead) {
+  alignas(512) std::array<char, 1024> block{};
   logger->snapshot();
-  logger->log("first", tooLong.c_str(), longest.c_str(), nullptr);
+  logger->log(&block[511], "b", nullptr, nullptr);  // one byte up to where texts are read next
+  readsWhole = false;
+  pipesMade = 0;
 
   const auto text = dump(everything);
 
-  // Not compared by matchers, which would print it.
-  EXPECT_TRUE(text.find("(0): first           <unreadable>              " + longest + " <null> ") !=
-              std::string::npos);
+  readsWhole = true;
+  EXPECT_THAT(text, StartsWith("Log size = 1\n   0  (0): <unreadable> "));
+  EXPECT_EQ(pipesMade, 0);
+  logger->snapshot();
+}
+
+/// A page of text that ends with it; the next one is not there.
+class LastPage {
+ public:
+  LastPage() {
+    const int anonymous = MAP_PRIVATE | MAP_ANONYMOUS;
+    page_ = static_cast<char*>(::mmap(nullptr, 2 * size, PROT_READ | PROT_WRITE, anonymous, -1, 0));
+    ::mprotect(page_ + size, size, PROT_NONE);
+    std::memset(page_, 'x', size);
+    page_[size - 1] = '\0';
+  }
+  LastPage(const LastPage&) = delete;
+  LastPage& operator=(const LastPage&) = delete;
+  ~LastPage() { ::munmap(page_, 2 * size); }
+
+  const char* endsAfter(std::size_t length) const { return page_ + size - 1 - length; }
+
+ private:
+  static constexpr std::size_t size = 4096;
+  char* page_;
+};
+
+TEST_F(DumpFastLogFaults, ReadsATextUpToTheLastByteOfMemoryWhereverItBegins) {
+  const LastPage page;
+  for (const bool direct : {true, false}) {
+    readsDirectly = direct;
+    pipesMade = 0;
+    for (std::size_t length = 15; length != 1600; ++length) {
+      logger->snapshot();
+      logger->log(page.endsAfter(length), "b", nullptr, nullptr);
+      EXPECT_THAT(dump(everything),
+                  StartsWith("Log size = 1\n   0  (0): " + std::string(length, 'x') + " b "));
+    }
+    EXPECT_EQ(pipesMade == 0, direct);
+  }
+  readsDirectly = true;
+  logger->snapshot();
+}
+
+TEST_F(DumpFastLogFaults, CountsATextOfAMebibyteAsUnreadableWhereverItBegins) {
+  constexpr std::size_t mebibyte = 1U << 20U;
+  const std::unique_ptr<char, decltype(&std::free)> memory(
+      static_cast<char*>(std::aligned_alloc(4096, mebibyte + 4096)), &std::free);
+  for (const auto begin : {std::size_t{0}, std::size_t{1}, std::size_t{511}}) {
+    char* const text = memory.get() + begin;
+    std::memset(text, 'x', mebibyte);
+    text[mebibyte] = '\0';
+    logger->snapshot();
+    logger->log(text + 1, text, nullptr, nullptr);
+
+    // Not compared by matchers, which would print it.
+    EXPECT_TRUE(dump(everything)
+                    .ends_with("  (0): " + std::string(mebibyte - 1, 'x') +
+                               " <unreadable>              <null>     <null>               \n"))
+        << begin;
+  }
   logger->snapshot();
 }
 
