@@ -147,8 +147,7 @@ Value& Value::operator=(const Value& other) {
 }
 
 Value& Value::operator=(Value&& other) noexcept {
-  Value taken(std::move(other));  // first, for what is dismantled may hold it
-  if (isContainer()) dismantle();
+  Value taken(std::move(other));  // first, for what is destroyed may hold it
   data_ = std::move(taken.data_);
   return *this;
 }
