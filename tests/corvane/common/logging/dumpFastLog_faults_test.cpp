@@ -28,6 +28,7 @@ std::string taken;
 std::function<ssize_t(std::size_t)> kernel;  // how much it takes of so many bytes
 bool readsDirectly = true;
 bool readsWhole = true;
+int readsRefused = 0;
 bool makesPipes = true;
 int pipesMade = 0;
 
@@ -46,6 +47,7 @@ extern "C" ssize_t process_vm_readv(pid_t process, const iovec* local, unsigned 
   if (readsDirectly) {
     return ::syscall(SYS_process_vm_readv, process, local, localCount, remote, remoteCount, flags);
   }
+  ++readsRefused;
   errno = EPERM;
   return -1;
 }
@@ -155,12 +157,14 @@ TEST_F(DumpFastLogFaults, ReadsThroughOnePipeAndClosesIt) {
   const auto whole = dump(everything);
   const int free = lowestFreeDescriptor();
   readsDirectly = false;
+  readsRefused = 0;
   pipesMade = 0;
 
   const auto text = dump(everything);
 
   readsDirectly = true;
   EXPECT_EQ(text, whole);
+  EXPECT_EQ(readsRefused, 1) << "asked again after it was refused";
   EXPECT_EQ(pipesMade, 1);
   EXPECT_EQ(lowestFreeDescriptor(), free);
 }
