@@ -43,7 +43,7 @@ FOUNDATION_EXPORT Agreement agreement(const common::serialization::Registry& reg
 /// is `success`; of answers for one protocol, and of values of one feature, the first. The difference from
 /// what a registry has shows what no answer tells: a protocol that this process does not know or declined, an
 /// initializer that installed another version or configuration than it was told to, a protocol that the
-/// connection had before.
+/// connection had before. Pure; linear in its argument, but for the logarithms of its sizes.
 /// @throws std::bad_alloc when memory runs out.
 FOUNDATION_EXPORT Agreement
 agreement(const std::vector<common::session::MessageProtocolResolution>& resolutions);

@@ -141,7 +141,7 @@ enum class Colour : std::uint8_t { Off, On };
 /// @throws std::bad_alloc when memory runs out.
 FOUNDATION_EXPORT std::string toText(const Explanation& explanation, Colour colour = Colour::Off);
 
-/// Is given a text piece by piece.
+/// Is given a text piece by piece. A piece lives as long as the call. When it throws, the text ends there.
 using TextSink = std::function<void(std::string_view)>;
 
 /// Hands the text of `toText` to `write` line by line, for explanations whose text had better not be in

@@ -30,9 +30,12 @@ FOUNDATION_EXPORT void diagnose(Document document, std::string_view text, const 
 
 /// The same for the document that `documentOf` takes the text for, or else for `Document::ProtocolConfigs`,
 /// whose missing list is then told as that of all three.
+/// @throws std::bad_alloc when memory runs out, and whatever `visit` throws.
 FOUNDATION_EXPORT void diagnose(std::string_view text, const FindingVisitor& visit);
 
-/// The findings as a list.
+/// The findings as a list, which takes memory for each: of a text that nobody trusts, hand in a visitor that
+/// counts them.
+/// @throws std::bad_alloc when memory runs out.
 FOUNDATION_EXPORT std::vector<Finding> diagnose(Document document, std::string_view text);
 FOUNDATION_EXPORT std::vector<Finding> diagnose(std::string_view text);
 

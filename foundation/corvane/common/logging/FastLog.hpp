@@ -25,7 +25,7 @@ namespace foundation::corvane::common::logging {
 /// Lifetime: neither copied nor moved; made with `new`, 33 KiB. It owns what `save` returned, and nothing
 /// else. Threads: any thread may call anything at any time, without a lock. A record is not written at one
 /// stroke, so that who prints while others log may see a record of which some texts are new and some are not;
-/// never a broken pointer.
+/// never a broken pointer while the texts live.
 class FOUNDATION_EXPORT FastLog {
  public:
   static constexpr std::uint64_t base = 10;       ///< The ring's size is 2 to the power of this.

@@ -44,7 +44,8 @@ FOUNDATION_EXPORT std::string toJSON(const std::vector<MessageProtocolConfig>& c
 /// default records included.
 ///
 /// Whatever the bytes: linear time, bounded stack. Memory is linear too, but an element of three bytes
-/// becomes a record of 64: bound the size of what a peer may send before reading it.
+/// becomes a record of up to 72, and a list takes a thousand from its first element on: bound the size of
+/// what a peer may send before reading it.
 /// @throws std::bad_alloc when memory runs out; nothing else.
 FOUNDATION_EXPORT std::vector<MessageProtocolConfig> toConfigs(const std::string& text);
 
