@@ -22,7 +22,8 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
 EXCUSE = re.compile(r"// unreachable: (\S.*)$")
-BRANCHES = re.compile(r"\b(if|for|while|do|switch|case|default:)\b|\?|&&|\|\|")
+BRANCHES = re.compile(r"\b(if|for|while|do|switch|case|default:|FOUNDATION_LOG)\b|\?|&&|\|\|")
+GOES_ON = re.compile(r"(\b(if|for|while|switch) ?\(|&&|\|\||\?|[^:]:)$")  # on the next line
 ONLY_CLOSES = re.compile(r"[\]})\s;,]*(//.*)?$")
 
 
@@ -145,7 +146,8 @@ def main():
             text = source[at - 1].strip()
             if ONLY_CLOSES.match(text):
                 continue
-            branches = line.branches() if BRANCHES.search(re.sub(r"//.*|\"[^\"]*\"", "", text)) else []
+            bare, before = (re.sub(r"//.*|\"[^\"]*\"", "", source[n]).strip() for n in (at - 1, at - 2))
+            branches = line.branches() if BRANCHES.search(bare) or GOES_ON.search(before) else []
             gaps = ["never run"] if line.count == 0 else [
                 f"branch {n} of {len(branches)} never taken" for n, taken in enumerate(branches) if taken == 0]
             if gaps and at in excused:
@@ -164,6 +166,8 @@ def main():
         print(f"{row[0]:6} /{row[1]:5} {row[2]:6} /{row[3]:5}  {name}")
         totals = [a + b for a, b in zip(totals, row)]
     print(f"{totals[0]:6} /{totals[1]:5} {totals[2]:6} /{totals[3]:5}  in all")
+    sources = subprocess.run(["git", "ls-files", "foundation/*.cpp"], cwd=ROOT, capture_output=True, text=True, check=True)
+    missing += [f"{name}: never loaded" for name in sources.stdout.split() if name not in files]
     for title, entries in (("unreachable", listed), ("missing", missing)):
         if entries:
             print(f"\n{title}:")

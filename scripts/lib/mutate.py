@@ -7,8 +7,10 @@ tests/mutation/mutant.hpp). So there is one build. Each test is run once to see 
 mutant meets the tests that come by it, the quickest ones first, until one of them fails or takes far too long.
 
 What is kept in build/mutation: tree (the rewritten copy), build, mutants.json (all mutants, by file), reached.json (by
-test), results.json (of each mutant, by what it changes, so that it outlives a new numbering). Mutants that
-tests/mutation/equivalent.txt names are left out: a line there is "file: old -> new :: reason".
+test), results.json (of each mutant, by what it changes, so that it outlives a new numbering; a kill is not asked for
+again, unless with --again). Mutants that tests/mutation/equivalent.txt names are left out: a line there is
+"file: old -> new :: reason". tests/mutation/surviving.txt says in the same way why others survive. The exit status is 1
+if one survives that is not there, if fewer than 97 of 100 are killed, or if an equivalent one is killed.
 """
 import argparse
 import fnmatch
@@ -36,8 +38,8 @@ WORK = ROOT / "build" / "mutation"
 TREE, BUILD = WORK / "tree", WORK / "build"
 MOST_OF_A_FILE = 1000  # mutants
 FLAGS = f"-O1 -w -Wno-narrowing -include {TREE}/tests/mutation/mutant.hpp"
-# They look at the package, at symbols or at texts; or measure the stack, of which the mutants need more.
-UNFIT_TESTS = re.compile(r"package|^build\.|^tools\.gdb|symbols|NeedsLittleStack")
+# They look at the package, at symbols or at texts.
+UNFIT_TESTS = re.compile(r"package|^build\.|^tools\.gdb|symbols")
 
 
 def load(name, default):
@@ -276,9 +278,9 @@ def key_of(mutant, occurrence):
     return f"{mutant['file']}: {mutant['old']} -> {mutant['new']} #{occurrence}"
 
 
-def equivalents():
-    """By "file: old -> new", the reason why the mutant is none."""
-    path = ROOT / "tests" / "mutation" / "equivalent.txt"
+def reasons_of(name):
+    """By "file: old -> new", why the mutant is none, or why it survives."""
+    path = ROOT / "tests" / "mutation" / name
     reasons = {}
     for line in path.read_text().splitlines() if path.exists() else []:
         if line.strip() and not line.startswith("#"):
@@ -295,6 +297,8 @@ def main():
     options.add_argument("--seed", type=int, default=1)
     options.add_argument("--jobs", type=int, default=os.cpu_count())
     options.add_argument("--most-seconds", type=float, default=600, help="of tests from other folders, for each mutant")
+    options.add_argument("--equivalents", action="store_true", help="only those that are held to change nothing")
+    options.add_argument("--write", action="store_true", help="write tests/mutation/survivors.md")
     options.add_argument("--again", action="store_true", help="meet even those mutants that have a result")
     options.add_argument("--clang", default="clang++", help="the compiler whose syntax tree is used")
     options = options.parse_args()
@@ -315,10 +319,11 @@ def main():
         base = key_of(mutant, "")
         occurrences[base] += 1
         keys[mutant["number"]] = key_of(mutant, occurrences[base])
-    excused = equivalents()
+    excused = reasons_of("equivalent.txt")
     is_excused = lambda mutant: key_of(mutant, "").removesuffix(" #") in excused or keys[mutant["number"]] in excused
     valid = [mutant for mutant in everything if not mutant.get("invalid")]
-    chosen = [mutant for mutant in valid if fnmatch.fnmatch(mutant["file"], options.files) and not is_excused(mutant)]
+    chosen = [mutant for mutant in valid if fnmatch.fnmatch(mutant["file"], options.files)
+              and is_excused(mutant) == options.equivalents]
     if options.sample is not None:
         chosen = sorted(random.Random(options.seed).sample(chosen, min(options.sample, len(chosen))),
                         key=lambda mutant: mutant["number"])
@@ -333,10 +338,19 @@ def main():
                 save("results.json", results)
                 print(f"{done} of {len(todo)}, {time.monotonic() - started:.0f} s", flush=True)
 
-    report(chosen, results, keys, len(everything) - len(valid), len(valid) - len([m for m in valid if not is_excused(m)]))
+    if options.equivalents:
+        killed = [keys[m["number"]] for m in chosen if results[keys[m["number"]]]["outcome"] == "killed"]
+        print("\n".join(f"not equivalent, for a test notices it: {key}" for key in killed))
+        print(f"{len(chosen) - len(killed)} of {len(chosen)} change nothing that a test sees")
+        sys.exit(bool(killed))
+    left_out = defaultdict(int)
+    for mutant in valid:
+        left_out[mutant["file"]] += is_excused(mutant)
+    sys.exit(report(chosen, results, keys, len(everything) - len(valid), left_out, options.write))
 
 
-def report(chosen, results, keys, invalid, excused):
+def report(chosen, results, keys, invalid, left_out, is_written):
+    """The exit status."""
     rows = defaultdict(lambda: [0, 0])
     survivors = []
     for mutant in chosen:
@@ -352,7 +366,45 @@ def report(chosen, results, keys, invalid, excused):
     rows["in all"] = [sum(row[0] for row in rows.values()), sum(row[1] for row in rows.values())]
     for name, (count, killed) in rows.items():
         print(f"{count:8} {killed:7} {count - killed:9} {100 * killed / max(count, 1):6.1f}%  {name}")
-    print(f"left out: {excused} that change nothing that can be seen, {invalid} that do not compile")
+    equivalent = sum(left_out.values())
+    print(f"left out: {equivalent} that change nothing that can be seen, {invalid} that do not compile")
+
+    reasons = reasons_of("surviving.txt")
+    unexplained = [m for m in survivors if keys[m["number"]] not in reasons]
+    for mutant in unexplained:
+        print(f"no reason is known: {keys[mutant['number']]}")
+    if is_written:
+        (ROOT / "tests" / "mutation" / "survivors.md").write_text(page(rows, left_out, survivors, keys, reasons))
+    count, killed = rows["in all"]
+    return int(bool(unexplained) or killed < 0.97 * count)
+
+
+def page(rows, left_out, survivors, keys, reasons):
+    count, killed = rows["in all"]
+    equivalent = sum(left_out.values())
+    cell = lambda text: text.replace("|", "\\|")
+    lines = [
+        "<!-- SPDX-License-Identifier: Apache-2.0 -->",
+        "<!-- Written by scripts/mutate --write. -->",
+        "# The mutants that survive",
+        "",
+        f"Of {count + equivalent} mutants of the sources of `foundation/` and of its headers that are not installed, {equivalent} are",
+        "held to change nothing that anybody could see, for the reasons in `equivalent.txt`. Of the others "
+        f"{killed} are killed:",
+        f"{100 * killed / count:.1f} %. {count - killed} survive. One that ran into the time limit counts as killed. Left out are tests that look at the",
+        "package, at symbols or at texts.",
+        "",
+        "| file | mutants | killed | equivalent | survive |",
+        "|---|--:|--:|--:|--:|"]
+    for name, (all_of_it, its_killed) in rows.items():
+        its_equivalent = equivalent if name == "in all" else left_out[name]
+        lines.append(f"| {name.removeprefix('foundation/')} | {all_of_it + its_equivalent} | {its_killed} | "
+                     f"{its_equivalent} | {all_of_it - its_killed} |")
+    lines += ["", "| file, line | change | why |", "|---|---|---|"]
+    for m in survivors:
+        lines.append(f"| {m['file'].removeprefix('foundation/')}:{m['line']} | `{cell(m['old'])}` to `{cell(m['new'])}` | "
+                     f"{reasons.get(keys[m['number']], 'not known')} |")
+    return "\n".join(lines) + "\n"
 
 
 main()
