@@ -4,20 +4,15 @@
 #include <cerrno>
 #include <utility>
 
-#if defined(__has_feature)
-#define HAS_FEATURE(name) __has_feature(name)
-#else
-#define HAS_FEATURE(name) 0
-#endif
+#include "tests/sanitizers.hpp"
 
 // Where the memory really comes from: a sanitizer's functions, so that it goes on watching, or the C
 // library's. The sanitizers do not let anybody come before their own, so there the malloc family is not
 // watched.
-#if defined(__SANITIZE_ADDRESS__) || HAS_FEATURE(address_sanitizer)
+#if ADDRESS_SANITIZER
 #include <sanitizer/lsan_interface.h>
-#define SEEKS_LEAKS 1
 #endif
-#if defined(SEEKS_LEAKS) || defined(__SANITIZE_THREAD__) || HAS_FEATURE(thread_sanitizer)
+#if ADDRESS_SANITIZER || THREAD_SANITIZER
 #include <malloc.h>
 #define WATCHES_MALLOC 0
 #define SYSTEM(function) function
@@ -56,7 +51,7 @@ bool failsNow() noexcept {
   return true;
 }
 
-#if defined(SEEKS_LEAKS)
+#if ADDRESS_SANITIZER
 // The dynamic linker keeps what it allocates while it loads a library, and only it knows where. The leak
 // sanitizer would not blame it, but it sees us asking.
 constinit bool isLoading = true;
@@ -65,7 +60,7 @@ constinit bool isLoading = true;
 
 void* noted(void* memory) noexcept {
   if (memory != nullptr) ++allocated;
-#if defined(SEEKS_LEAKS)
+#if ADDRESS_SANITIZER
   if (isLoading) __lsan_ignore_object(memory);
 #endif
   return memory;

@@ -41,13 +41,6 @@ boost_version() {
     tail -n 1 | tr -d '" ' | tr _ .
 }
 
-# boost_is_older_than 75: than 1.75.
-boost_is_older_than() {
-  local version
-  version=$(boost_version)
-  [[ $version =~ ^1\.([0-9]+) ]] && [ "${BASH_REMATCH[1]}" -lt "$1" ]
-}
-
 # A library of Boost has to be of the same version as the headers that are there.
 boost_package() {
   local version
@@ -96,10 +89,8 @@ list_group() {
       need nlohmann-json3-dev "a peer: a JSON library" has_header nlohmann/json.hpp
       need rapidjson-dev "a peer: a JSON library" has_header rapidjson/document.h
       need libsimdjson-dev "a peer: a JSON library" has_header simdjson.h
-      boost_is_older_than 75 || need "$(boost_package json)" "a peer: a JSON library" has_library boost_json
       need libnghttp2-dev "a peer: another protocol's negotiation" has_header nghttp2/nghttp2.h
-      need libcapnp-dev "a peer: a binary form of the documents" has_header capnp/message.h
-      need capnproto "its compiler" has_program capnp
+      need libcapnp-dev "another peer: the beginning of its remote calls" has_header capnp/rpc-twoparty.h
       need python3 "writes the report" has_program python3
       ;;
     ci)

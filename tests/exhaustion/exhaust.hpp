@@ -190,8 +190,21 @@ struct Outcomes {
 template <class Given, class When, class Unchanged>
 Outcomes exhaustInProcesses(Operations operations, const Given& given, const When& when,
                             const Unchanged& unchanged) {
-  auto fresh = given();
-  when(fresh);
+  // What the process keeps when the objects are gone is made at its first call, and by each of them alike.
+  const auto attempt = [&](auto fail, std::size_t n) {
+    return impl::fork([&] {
+      const auto live = allocations::live();
+      impl::Call call;
+      {
+        auto subject = given();
+        call = impl::attempt(
+            fail, n, [&] { when(subject); }, [&] { unchanged(subject); });
+      }
+      call.kept = allocations::live() - live;
+      return call;
+    });
+  };
+  const auto expected = attempt(allocations::failAt, 0);
   Outcomes outcomes;
   for (const auto& entry : impl::ways) {
     const auto* const way = entry.name;
@@ -200,11 +213,10 @@ Outcomes exhaustInProcesses(Operations operations, const Given& given, const Whe
       const testing::ScopedTrace trace(__FILE__, __LINE__,
                                        testing::Message()
                                            << *operations.begin() << ", allocation " << n << ' ' << way);
-      const auto call = impl::fork([&] {
-        auto subject = given();
-        return impl::attempt(
-            fail, n, [&] { when(subject); }, [&] { unchanged(subject); });
-      });
+      const auto call = attempt(fail, n);
+      if (!call.ended) {
+        EXPECT_EQ(call.kept, expected.kept);
+      }
       if (call.ended) {
         ++outcomes.ended;
       } else if (call.threw) {
@@ -244,9 +256,12 @@ void exhaustFirstCall(Operations operations, const Prepare& prepare, const When&
   };
 
   const auto expected = attempt(allocations::failAt, 0);
+  ASSERT_FALSE(expected.ended) << *operations.begin();
   for (const auto& [way, fail] : impl::ways) {
     for (std::size_t n = 1;; ++n) {
       const auto call = attempt(fail, n);
+      EXPECT_FALSE(call.ended) << *operations.begin() << ", allocation " << n << ' ' << way;
+      if (call.ended) return;
       if (call.failed == 0) {
         report(operations, n - 1);
         break;

@@ -19,6 +19,7 @@
 #include "foundation/corvane/inspect/Offers.hpp"
 #include "foundation/corvane/inspect/diagnose.hpp"
 #include "foundation/json.hpp"
+#include "tests/sanitizers.hpp"
 
 namespace {
 
@@ -28,20 +29,12 @@ using namespace foundation::corvane::inspect;
 using session::MessageProtocolConfig;
 using session::MessageProtocolResolution;
 
-#if defined(__has_feature)
-#define HAS_FEATURE(feature) __has_feature(feature)
+// As many as it takes for more minutes of quadratic time than a test is given, however quick its steps are.
+// Under a sanitizer it is what the readers do to the memory that counts.
+#ifdef __OPTIMIZE__
+constexpr std::size_t many = tests::isSanitized ? 50'000 : 1'000'000;
 #else
-#define HAS_FEATURE(feature) 0
-#endif
-
-// As many as it takes for minutes of quadratic time, however slow the steps of this build are.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || HAS_FEATURE(address_sanitizer) || \
-    HAS_FEATURE(thread_sanitizer)
-constexpr std::size_t many = 50'000;
-#elif defined(__OPTIMIZE__)
-constexpr std::size_t many = 1'000'000;
-#else
-constexpr std::size_t many = 250'000;
+constexpr std::size_t many = tests::isSanitized ? 50'000 : 500'000;
 #endif
 
 std::string times(std::size_t count, std::string_view piece) {

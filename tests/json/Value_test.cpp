@@ -207,6 +207,19 @@ TEST(Value, NamesBothKindsWhenItRefusesAConversion) {
   }
 }
 
+TEST(Value, NamesTheKindOfNumberThatItDoesNotConvert) {
+  const Value integer = std::int64_t{-1};
+  const Value natural = std::uint64_t{1};
+  const Value real = 1.5;
+
+  EXPECT_THAT([&] { integer.to<std::string>(); },
+              ThrowsMessage<conversion_error>(StrEq("invalid conversion: int64 to string")));
+  EXPECT_THAT([&] { natural.to<Array>(); },
+              ThrowsMessage<conversion_error>(StrEq("invalid conversion: uint64 to array")));
+  EXPECT_THAT([&] { real.to<Object>(); },
+              ThrowsMessage<conversion_error>(StrEq("invalid conversion: double to object")));
+}
+
 TEST(Value, EqualsWhatHasItsKindAndContent) {
   const std::vector<Value> distinct = {nullptr,
                                        true,

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 #include <string>
 
@@ -70,6 +71,18 @@ TEST(Parse, KeepsTheLastOfEqualNames) {
 TEST(Parse, KeepsTheBytesOfStringsAndNames) {
   EXPECT_EQ(parse("{\"\x80\xff\\u0000\":\"\xed\xa0\x80\\ud83d\\ude00\"}"),
             (Object{{"\x80\xff\0"s, "\xed\xa0\x80\xf0\x9f\x98\x80"}}));
+}
+
+TEST(Parse, ReadsAZeroOfManyDigitsWithItsSign) {
+  const std::string zero = "0." + std::string(100, '0');
+
+  const auto positive = parse(zero).to<double>();
+  const auto negative = parse("-" + zero + "e5").to<double>();
+
+  EXPECT_EQ(positive, 0.0);
+  EXPECT_FALSE(std::signbit(positive));
+  EXPECT_EQ(negative, 0.0);
+  EXPECT_TRUE(std::signbit(negative));
 }
 
 TEST(Parse, TellsWhereTheTextIsWrong) {

@@ -10,13 +10,14 @@
 
 #include "foundation/log.hpp"
 #include "tests/allocations.hpp"
+#include "tests/sanitizers.hpp"
 
 namespace {
 void (*beforeTheNextLock)() = nullptr;
 }  // namespace
 
 // The thread sanitizer must not lose sight of the locks, so there nothing comes between.
-#if !defined(__SANITIZE_THREAD__)
+#if !THREAD_SANITIZER
 #define COMES_BETWEEN 1
 extern "C" int pthread_mutex_lock(pthread_mutex_t* mutex) noexcept {
   static const auto lock =

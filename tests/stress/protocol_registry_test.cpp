@@ -36,7 +36,6 @@ TEST(ProtocolRegistryStress, LetsOneThreadAtATimeHaveAName) {
   const auto protocols = ProtocolRegistry::create("software", "1");
   constexpr std::size_t names = 3;
   std::array<std::atomic<int>, names> owners{};
-  std::atomic<int> refused = 0;
 
   together(threadCount, [&](int thread) {
     for (int i = 0; i < rounds(300); ++i) {
@@ -51,12 +50,11 @@ TEST(ProtocolRegistryStress, LetsOneThreadAtATimeHaveAName) {
         EXPECT_EQ(owners[which].fetch_sub(1), 1) << name;
         protocols->releaseProtocolInitializer(name);
       } catch (const std::logic_error&) {
-        ++refused;
+        // Somebody else has it just now.
       }
     }
   });
 
-  EXPECT_LE(refused, threadCount * rounds(300));
   EXPECT_THAT(protocols->protocolNames(), testing::IsEmpty());
 }
 

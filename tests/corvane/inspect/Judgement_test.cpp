@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "foundation/corvane/inspect/rehearse.hpp"
+#include "tests/sanitizers.hpp"
 
 namespace foundation::corvane::inspect {
 namespace {
@@ -237,7 +238,7 @@ TEST(judge, WritesTheTextsOfAPeerAsEscapes) {
 
 // Minutes, if anything went through all of one name for each of it.
 TEST(judge, IsNotSlowedDownByManyEqualNames) {
-  constexpr std::size_t many = 20'000;
+  constexpr std::size_t many = tests::isSanitized ? 20'000 : 50'000;
   const Configs narrow(many, telemetry({{"x", "1", optional}}));
   const Configs wide{telemetry({many, {"x", "1", optional}})};
   const MessageProtocolResolution narrowAnswer("Telemetry", {2, 1}, {{"x", "1", success}});

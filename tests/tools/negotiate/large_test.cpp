@@ -9,6 +9,7 @@
 
 #include "Program.hpp"
 #include "foundation/corvane/common/session/TransportSetup.hpp"
+#include "tests/sanitizers.hpp"
 
 namespace negotiate::tests {
 namespace {
@@ -39,9 +40,7 @@ Outcome runWithin(std::size_t memory, const Arguments& arguments) {
 }
 
 TEST(LargeDocument, IsLintedInLittleMoreMemoryThanItsOwn) {
-#ifdef SANITIZED
-  GTEST_SKIP() << "a sanitizer's memory has no bounds";
-#endif
+  if (::tests::isSanitized) GTEST_SKIP() << "a sanitizer's memory has no bounds";
   const Workspace workspace;
   const auto path = writeLargeRequest(workspace);
 
@@ -98,9 +97,7 @@ std::size_t memoryOf(const std::vector<session::MessageProtocolConfig>& configs)
 }
 
 TEST(LargeDocument, IsExplainedInTwiceTheMemoryOfItsTextAndItsRecords) {
-#ifdef SANITIZED
-  GTEST_SKIP() << "a sanitizer's memory has no bounds";
-#endif
+  if (::tests::isSanitized) GTEST_SKIP() << "a sanitizer's memory has no bounds";
   const Workspace workspace;
   const auto documents = manyProtocols(8'000'000);
   const auto request = workspace.write("request.json", documents.request);

@@ -87,6 +87,7 @@ TEST(IDText, IsZeroFromWhereItCannotBeRead) {
   EXPECT_EQ(toID("xyz ff"), IDType(0, 0));
   EXPECT_EQ(toID("0x 5"), IDType(0, 0));
   EXPECT_EQ(toID("0xg 5"), IDType(0, 0));
+  EXPECT_EQ(toID("0yff 0x1"), IDType(0, 0));
   EXPECT_EQ(toID("00x5 7"), IDType(0, 0));
 }
 

@@ -58,6 +58,14 @@ TEST(Documents, AreEmptyIfTheyAreNotOneJsonObject) {
   }
 }
 
+TEST(Documents, AreEmptyIfAMemberTheyKnowIsNotSeparatedOrQuotedAsItMustBe) {
+  EXPECT_EQ(toConfigs(R"({"protocolConfigs":[{"name":"p","version":{}}]})").size(), 1U);
+  for (const char* config : {R"({"name":"p"-"version":{}})", R"({"name":"p"."version":{}})",
+                             R"({#name":"p","version":{}})", R"({"name#:"p","version":{}})"}) {
+    EXPECT_TRUE(toConfigs(std::string(R"({"protocolConfigs":[)") + config + "]}").empty()) << config;
+  }
+}
+
 TEST(Documents, AreEmptyIfAnythingFollowsTheObject) {
   for (const char* tail : {"x", "{}", ",", "]", "}", "\v", "\x80", "0"}) {
     EXPECT_TRUE(toConfigs(requestDocument + tail).empty()) << tail;
