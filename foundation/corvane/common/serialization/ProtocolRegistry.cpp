@@ -2,6 +2,7 @@
 #include "foundation/corvane/common/serialization/ProtocolRegistry.hpp"
 
 #include <algorithm>
+#include <mutex>
 #include <stdexcept>
 
 #include "foundation/corvane/common/serialization/Registry.hpp"
@@ -20,7 +21,9 @@ constexpr auto sourcePath = "foundation/corvane/common/serialization/ProtocolReg
 
 }  // namespace
 
-ProtocolRegistry::ProtocolRegistry() = default;
+struct ProtocolRegistry::Mutex : std::mutex {};
+
+ProtocolRegistry::ProtocolRegistry() : mutex_(std::make_unique<Mutex>()) {}
 ProtocolRegistry::~ProtocolRegistry() = default;
 
 std::shared_ptr<ProtocolRegistry> ProtocolRegistry::create(const std::string& softwareName,
@@ -38,18 +41,18 @@ void ProtocolRegistry::setSoftwareDescription(const std::string& name, const std
   // Copied first, so that running out of memory leaves the old description whole.
   auto newName = name;
   auto newVersion = version;
-  const std::lock_guard lock(mutex_);
+  const std::lock_guard lock(*mutex_);
   softwareName_.swap(newName);
   softwareVersion_.swap(newVersion);
 }
 
 std::string ProtocolRegistry::softwareName() const {
-  const std::lock_guard lock(mutex_);
+  const std::lock_guard lock(*mutex_);
   return softwareName_;
 }
 
 std::string ProtocolRegistry::softwareVersion() const {
-  const std::lock_guard lock(mutex_);
+  const std::lock_guard lock(*mutex_);
   return softwareVersion_;
 }
 
@@ -62,7 +65,7 @@ void ProtocolRegistry::registerProtocolInitializer(const std::string& protocolNa
   // Outlives the lock: whatever fails below, the copy of the initializer is destroyed when the mutex is free,
   // and may call back.
   ProtocolEntry entry;
-  const std::lock_guard lock(mutex_);
+  const std::lock_guard lock(*mutex_);
   entry.initializer = initializer;
   entry.features = features;
   const auto [place, isNew] = protocols_.try_emplace(protocolName);
@@ -76,18 +79,18 @@ void ProtocolRegistry::releaseProtocolInitializer(const std::string& protocolNam
                             << " softwareVersion()=" << softwareVersion();
   // Outlives the lock: the initializer is destroyed when the mutex is free, and may call back.
   Protocols::node_type entry;
-  const std::lock_guard lock(mutex_);
+  const std::lock_guard lock(*mutex_);
   entry = protocols_.extract(protocolName);
 }
 
 bool ProtocolRegistry::exists(const std::string& protocolName) const {
-  const std::lock_guard lock(mutex_);
+  const std::lock_guard lock(*mutex_);
   return protocols_.contains(protocolName);
 }
 
 std::vector<session::FeatureRequest> ProtocolRegistry::getAvailableFeatures(
     const std::string& protocolName) const {
-  const std::lock_guard lock(mutex_);
+  const std::lock_guard lock(*mutex_);
   const auto protocol = protocols_.find(protocolName);
   if (protocol == protocols_.end()) return {};
   return protocol->second.features;
@@ -97,7 +100,7 @@ ProtocolInitializer ProtocolRegistry::getProtocolInitializer(const std::string& 
   FOUNDATION_LOG_FUNCTION(logger, sourcePath);
   FOUNDATION_LOG(logger, 2) << " protocolName=" << protocolName << " softwareName()=" << softwareName()
                             << " softwareVersion()=" << softwareVersion();
-  const std::lock_guard lock(mutex_);
+  const std::lock_guard lock(*mutex_);
   const auto protocol = protocols_.find(protocolName);
   if (protocol != protocols_.end()) return protocol->second.initializer;
   FOUNDATION_LOG(logger, 4) << protocolName << " does not exist in map";
@@ -107,7 +110,7 @@ ProtocolInitializer ProtocolRegistry::getProtocolInitializer(const std::string& 
 std::vector<std::string> ProtocolRegistry::protocolNames() const {
   std::vector<std::string> names;
   {
-    const std::lock_guard lock(mutex_);
+    const std::lock_guard lock(*mutex_);
     names.reserve(protocols_.size());
     for (const auto& [name, protocol] : protocols_) names.push_back(name);
   }

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <memory>
-#include <mutex>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -108,7 +107,8 @@ class FOUNDATION_EXPORT ProtocolRegistry {
 
   ProtocolRegistry();
 
-  mutable std::mutex mutex_;  // guards all that follows
+  struct Mutex;  // not the standard one itself, whose header is a tenth of what a user of this one compiles
+  const std::unique_ptr<Mutex> mutex_;  // guards all that follows
   Protocols protocols_;
   std::string softwareName_;
   std::string softwareVersion_;
