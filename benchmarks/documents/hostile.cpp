@@ -71,6 +71,10 @@ const std::vector<std::pair<std::string, std::string>>& documents() {
       {"many equal names", inOneConfig(R"("name":"")")},
       {"many equal lists", inOneConfig(R"("features":[{}])")},
       {"many equal long lists", inOneConfig(R"("features":[)" + times(9, "{},") + "{}]")},
+      // All records are made before it shows that none of them counts.
+      {"many empty records, replaced in the end",
+       fill(R"({"protocolConfigs":[)", "{}", "{}", R"(],"protocolConfigs":0})")},
+      {"many empty records, cut off", elements("{}").substr(0, documentSize - 8)},
       {"one long name",
        R"({"protocolConfigs":[{"version":{},"name":")" + std::string(documentSize, 'a') + R"("}]})"},
       {"one long name of escapes", R"({"protocolConfigs":[{"version":{},"name":")" +

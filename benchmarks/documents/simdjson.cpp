@@ -35,8 +35,18 @@ void fill(Object object, session::MessageProtocolConfig& config);
 template <class Object>
 void fill(Object object, session::MessageProtocolResolution& resolution);
 
+// The DOM knows how many there are. On demand they would be counted by reading them twice; there is room for
+// those of most lists instead.
+inline std::size_t sizeOf(simdjson::dom::array array) {
+  return array.size();
+}
+inline std::size_t sizeOf(const simdjson::ondemand::array&) {
+  return 14;
+}
+
 template <class Array, class Record>
 void fillList(Array array, std::vector<Record>& records) {
+  records.reserve(sizeOf(array));
   for (auto element : array) fill(element.get_object().value(), records.emplace_back());
 }
 

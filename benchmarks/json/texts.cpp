@@ -21,7 +21,8 @@ Text readText(const std::string& name) {
 }  // namespace
 
 const std::vector<Text>& texts() {
-  static const std::vector<Text> all{readText("measurements"), readText("messages"), readText("deployment")};
+  static const std::vector<Text> all{readText("results"), readText("commands"), readText("tests"),
+                                     readText("measurements")};
   return all;
 }
 

@@ -14,8 +14,9 @@ struct Text {
   std::string content;
 };
 
-/// A day of measurements, which is numbers; the messages of a mailing list, which are long strings; and the
-/// deployment of some services, which is deep and indented.
+/// Three that programs have written: the results of a run of benchmarks, which are members and numbers; the
+/// commands that compile this library, which are long strings; and a list of its tests, which is deep and
+/// indented. And a day of measurements, made up, which is nearly nothing but numbers in arrays.
 const std::vector<Text>& texts();
 
 /// Adds "parse/<variant>/<text>", which times `parse(text)`, and "serialize/<variant>/<text>", which times

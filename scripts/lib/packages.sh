@@ -82,6 +82,9 @@ list_group() {
       ;;
     bench)
       need libbenchmark-dev "the measuring" has_header benchmark/benchmark.h
+      need python3 "writes the report" has_program python3
+      ;;
+    peers)
       need libspdlog-dev "a peer: its backtrace" has_header spdlog/spdlog.h
       need liblttng-ust-dev "another peer: tracepoints" has_header lttng/tracepoint.h
       need lttng-tools "its daemon" has_program lttng
@@ -91,7 +94,6 @@ list_group() {
       need libsimdjson-dev "a peer: a JSON library" has_header simdjson.h
       need libnghttp2-dev "a peer: another protocol's negotiation" has_header nghttp2/nghttp2.h
       need libcapnp-dev "another peer: the beginning of its remote calls" has_header capnp/rpc-twoparty.h
-      need python3 "writes the report" has_program python3
       ;;
     ci)
       need clang "the other compiler" has_program clang++

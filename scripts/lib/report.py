@@ -37,6 +37,7 @@ class Row:
     wanted: Optional[float] = None  # the same as what ours may cost
     kept: Optional[bool] = None
     missing: str = ""
+    obstacle: str = ""  # what stands in the way where it is missed
 
 
 @dataclass
@@ -110,6 +111,7 @@ def read_table(entry, results):
     for index, row_entry in enumerate(entry["rows"]):
         row = Row(row_entry["name"], "ours" if index == 0 else row_entry.get("role", "peer"))
         row.value = value_of(results, row_entry)
+        row.obstacle = row_entry.get("obstacle", "")
         if row.value is None:
             row.missing = row_entry.get("missing", "not measured")
         if index > 0:
@@ -215,7 +217,7 @@ def machine():
     ]
 
 
-def write(docs, measured):
+def write(docs, measured, date):
     judged = [row for _, _, tables in measured for table in tables for row in table.rows if row.kept is not None]
     missed = [(table, row) for _, _, tables in measured for table in tables for row in table.rows
               if row.kept is False]
@@ -232,10 +234,13 @@ def write(docs, measured):
         f"Of {len(judged)} figures that we want to keep, {len(judged) - len(missed)} are kept.",
         "",
     ]
-    lines += [f"- Missed: {table.title}, against {row.name}: {ratio_text(row)}, wanted {row.aim}."
+    lines += [f"- Missed: {table.title}, against {row.name}: {ratio_text(row)}, wanted {row.aim}." + (f" {row.obstacle}" if row.obstacle else "")
               for table, row in missed]
-    lines += [""] if missed else []
-    lines += ["    scripts/bench", "", *machine(), ""]
+    absent = [f"{table.title}: {row.name}" for _, _, tables in measured for table in tables for row in table.rows
+              if row.value is None and row.role != "peer"]
+    lines += [f"- Not measured: {name}." for name in absent]
+    lines += [""] if missed or absent else []
+    lines += ["    scripts/bench", "", f"- Date: {date[:10]}", *machine(), ""]
     charts = docs / "performance"
     charts.mkdir(parents=True, exist_ok=True)
     for subject, title, tables in measured:
@@ -259,7 +264,7 @@ def main():
     for _, title, tables in measured:
         print(as_text(title, tables))
     if arguments.write:
-        write(arguments.write, measured)
+        write(arguments.write, measured, results.date)
 
 
 if __name__ == "__main__":
