@@ -37,6 +37,7 @@ int main() {
   protocols->registerProtocolInitializer("Telemetry", nullptr, {request});
   const auto log = std::make_unique<logging::FastLog>();
   log->log("a", "b", nullptr, nullptr);
+  const auto logger = logging::FastLogger::instance();  // or a static program would not have it
   const foundation::json::Value value =
       foundation::json::Object{{"list", foundation::json::Array{1, 2.5, "text", nullptr, true}}};
   const foundation::json::Value nothing;
