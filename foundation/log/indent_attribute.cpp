@@ -17,7 +17,7 @@ class indent_attribute::impl : public boost::log::attribute::impl {
 
   void decrease() noexcept {
     auto count = count_.load(std::memory_order_relaxed);
-    // unreachable: a second turn, unless another thread comes between
+    // rarely: a second turn, when another thread comes between
     while (count != 0 && !count_.compare_exchange_weak(count, count - 1, std::memory_order_relaxed)) {
     }
   }
