@@ -235,6 +235,7 @@ Explanation explain(const std::vector<MessageProtocolConfig>& configs,
   const auto matching = detail::match(configs, resolutions);
   const auto end = endOf(matching.matches);
   Explanation explanation;
+  explanation.isVoid = !end.empty();
   explanation.protocols.reserve(configs.size());
   for (std::size_t i = 0; i < configs.size(); ++i) {
     const auto* offered = offers != nullptr ? offers->find(configs[i].name) : nullptr;

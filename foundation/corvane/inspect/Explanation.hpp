@@ -97,6 +97,8 @@ struct UnaskedAnswer {
 struct Explanation {
   std::vector<ProtocolExplanation> protocols;  ///< One for each configuration, in that order.
   std::vector<UnaskedAnswer> unasked;          ///< In the order of the answer.
+  /// Two versions of a protocol meet, so that one end throws, and nothing of what was agreed holds.
+  bool isVoid = false;
 
   friend bool operator==(const Explanation&, const Explanation&) = default;
 };
@@ -136,8 +138,8 @@ enum class Colour : std::uint8_t { Off, On };
 ///
 /// Columns are as wide as their texts need, counted in UTF-8 characters, but none is padded beyond 40.
 /// Control characters are written as escapes, so that no peer writes to the terminal. In colour an outcome is
-/// green if it is what was asked for, red if a protocol or something required is lost, else yellow; none is
-/// green beside a `VersionConflict`.
+/// green if it is what was asked for, red if a protocol or something required is lost, else yellow; where
+/// the explanation is void, what would be green is red.
 /// @throws std::bad_alloc when memory runs out.
 FOUNDATION_EXPORT std::string toText(const Explanation& explanation, Colour colour = Colour::Off);
 

@@ -147,11 +147,9 @@ void writeText(const Explanation& explanation, Colour colour, const TextSink& wr
     return write("No protocol was asked for, and the answer has none.\n");
   }
   const auto widths = widthsOf(explanation);
-  const bool isVoid = std::ranges::count(explanation.protocols, ProtocolOutcome::VersionConflict,
-                                         &ProtocolExplanation::outcome) != 0;
   std::string line;
   forEachRow(explanation, [&](Row row) {
-    if (isVoid && row.colour == green) row.colour = red;
+    if (explanation.isVoid && row.colour == green) row.colour = red;
     line.clear();
     appendRow(line, row, widths, colour);
     write(line);

@@ -134,17 +134,17 @@ std::string colourOf(FeatureOutcome outcome, FeatureHandling handling) {
   return colourOf(Explanation{{protocol}, {}});
 }
 
-TEST(ExplanationText, ColoursNothingAsAgreedBesideAConflictOfVersions) {
-  ProtocolExplanation agreed;
-  agreed.outcome = ProtocolOutcome::Agreed;
-  ProtocolExplanation older;
-  older.outcome = ProtocolOutcome::OlderVersion;
-  ProtocolExplanation conflict;
-  conflict.outcome = ProtocolOutcome::VersionConflict;
+TEST(ExplanationText, ColoursNothingAsAgreedWhereItComesToNothing) {
+  const common::session::MessageProtocolConfig first("p", {1, 0}, {});
+  const common::session::MessageProtocolConfig second("p", {2, 0}, {});
+  const common::session::MessageProtocolConfig other("q", {1, 0}, {});
+  const common::session::MessageProtocolResolution one("p", {1, 0}, {});
+  const common::session::MessageProtocolResolution two("p", {2, 0}, {});
+  const common::session::MessageProtocolResolution agreed("q", {1, 0}, {});
 
-  EXPECT_EQ(colourOf(Explanation{{conflict, agreed}, {}}), "\x1b[31m");
-  EXPECT_EQ(colourOf(Explanation{{conflict, older}, {}}), "\x1b[33m");
-  EXPECT_EQ(colourOf(Explanation{{older, agreed}, {}}), "\x1b[32m");
+  EXPECT_EQ(colourOf(explain({first, other}, {one, agreed})), "\x1b[32m");
+  EXPECT_EQ(colourOf(explain({first, second, other}, {one, agreed})), "\x1b[31m");  // two versions requested
+  EXPECT_EQ(colourOf(explain({first, first, other}, {one, two, agreed})), "\x1b[31m");  // two answered
 }
 
 TEST(ExplanationText, ColoursWhatCameOut) {
