@@ -37,16 +37,17 @@ void fill(Object object, session::MessageProtocolResolution& resolution);
 
 // The DOM knows how many there are. On demand they would be counted by reading them twice; there is room for
 // those of most lists instead.
-inline std::size_t sizeOf(simdjson::dom::array array) {
+std::size_t roomFor(simdjson::dom::array array) {
   return array.size();
 }
-inline std::size_t sizeOf(const simdjson::ondemand::array&) {
-  return 14;
+std::size_t roomFor(const simdjson::ondemand::array& /*array*/) {
+  constexpr std::size_t mostLists = 14;
+  return mostLists;
 }
 
 template <class Array, class Record>
 void fillList(Array array, std::vector<Record>& records) {
-  records.reserve(sizeOf(array));
+  records.reserve(roomFor(array));
   for (auto element : array) fill(element.get_object().value(), records.emplace_back());
 }
 
