@@ -206,6 +206,10 @@ Outcomes exhaustInProcesses(Operations operations, const Given& given, const Whe
   };
   const auto expected = attempt(allocations::failAt, 0);
   Outcomes outcomes;
+  if (expected.ended) {
+    ADD_FAILURE() << *operations.begin() << " ends the process without a failure";
+    return outcomes;
+  }
   for (const auto& entry : impl::ways) {
     const auto* const way = entry.name;
     const auto fail = entry.fail;
@@ -214,12 +218,12 @@ Outcomes exhaustInProcesses(Operations operations, const Given& given, const Whe
                                        testing::Message()
                                            << *operations.begin() << ", allocation " << n << ' ' << way);
       const auto call = attempt(fail, n);
-      if (!call.ended) {
-        EXPECT_EQ(call.kept, expected.kept);
-      }
       if (call.ended) {
         ++outcomes.ended;
-      } else if (call.threw) {
+        continue;
+      }
+      EXPECT_EQ(call.kept, expected.kept);
+      if (call.threw) {
         ++outcomes.threw;
       } else if (call.failed != 0) {
         ++outcomes.absorbed;
