@@ -168,8 +168,8 @@ def main():
         print(f"{row[0]:6} /{row[1]:5} {row[2]:6} /{row[3]:5}  {name}")
         totals = [a + b for a, b in zip(totals, row)]
     print(f"{totals[0]:6} /{totals[1]:5} {totals[2]:6} /{totals[3]:5}  in all")
-    sources = subprocess.run(["git", "ls-files", "foundation/*.cpp"], cwd=ROOT, capture_output=True, text=True, check=True)
-    missing += [f"{name}: never loaded" for name in sources.stdout.split() if name not in files and name not in WITHOUT_CODE]
+    sources = {str(path.relative_to(ROOT)) for path in (ROOT / "foundation").rglob("*.cpp")}
+    missing += [f"{name}: never loaded" for name in sorted(sources - files.keys() - WITHOUT_CODE)]
     for title, entries in (("unreachable", listed), ("missing", missing)):
         if entries:
             print(f"\n{title}:")

@@ -10,7 +10,7 @@ What is kept in build/mutation: tree (the rewritten copy), build, mutants.json (
 test), results.json (of each mutant, by what it changes, so that it outlives a new numbering; a kill is not asked for
 again, unless with --again). Mutants that tests/mutation/equivalent.txt names are left out: a line there is
 "file: old -> new :: reason". tests/mutation/surviving.txt says in the same way why others survive. The exit status is 1
-if one survives that is not there, if fewer than 97 of 100 are killed, or if an equivalent one is killed.
+if one survives that is not there, or if fewer than 97 of 100 are killed; with --equivalents, if one is killed.
 """
 import argparse
 import fnmatch
@@ -25,6 +25,7 @@ import shutil
 import subprocess
 import sys
 import tempfile
+import textwrap
 import time
 from collections import defaultdict
 from concurrent.futures import ThreadPoolExecutor
@@ -388,11 +389,11 @@ def page(rows, left_out, survivors, keys, reasons):
         "<!-- Written by scripts/mutate --write. -->",
         "# The mutants that survive",
         "",
-        f"Of {count + equivalent} mutants of the sources of `foundation/` and of its headers that are not installed, {equivalent} are",
-        "held to change nothing that anybody could see, for the reasons in `equivalent.txt`. Of the others "
-        f"{killed} are killed:",
-        f"{100 * killed / count:.1f} %. {count - killed} survive. One that ran into the time limit counts as killed. Left out are tests that look at the",
-        "package, at symbols or at texts.",
+        *textwrap.wrap(
+            f"Of {count + equivalent} mutants of the sources of `foundation/` and of its headers that are not installed, "
+            f"{equivalent} are held to change nothing that anybody could see, for the reasons in `equivalent.txt`. Of the "
+            f"others {killed} are killed: {100 * killed / count:.1f} %. {count - killed} survive. One that ran into the "
+            "time limit counts as killed. Left out are tests that look at the package, at symbols or at texts.", 120),
         "",
         "| file | mutants | killed | equivalent | survive |",
         "|---|--:|--:|--:|--:|"]
