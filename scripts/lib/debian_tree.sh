@@ -1,6 +1,7 @@
 # shellcheck shell=bash
 # SPDX-License-Identifier: Apache-2.0
-# A Debian of one's own to try things in: a folder with a system in it, entered with chroot. Takes root.
+# A Debian of one's own to try things in: a folder with a system in it, entered with chroot. Takes root. A tree is removed
+# with --one-file-system, lest something that was mounted in it be emptied.
 
 # debian_mirror: the one that this machine uses.
 debian_mirror() {
@@ -20,7 +21,7 @@ bare_debian() {
   shift 3
   [ ! -f "$tree/ready" ] || return 0
   mirror=$(debian_mirror)
-  rm -rf "$tree"
+  rm -rf --one-file-system "$tree"
   mkdir -p "$tree"
   debootstrap --variant=minbase --arch="$architecture" "$@" "$release" "$tree" "$mirror"
   touch "$tree/ready"
