@@ -138,6 +138,7 @@ TEST(ExplanationText, ColoursNothingAsAgreedWhereItComesToNothing) {
   const common::session::MessageProtocolConfig first("p", {1, 0}, {});
   const common::session::MessageProtocolConfig second("p", {2, 0}, {});
   const common::session::MessageProtocolConfig other("q", {1, 0}, {});
+  const common::session::MessageProtocolConfig newer("q", {2, 0}, {});
   const common::session::MessageProtocolResolution one("p", {1, 0}, {});
   const common::session::MessageProtocolResolution two("p", {2, 0}, {});
   const common::session::MessageProtocolResolution agreed("q", {1, 0}, {});
@@ -145,6 +146,7 @@ TEST(ExplanationText, ColoursNothingAsAgreedWhereItComesToNothing) {
   EXPECT_EQ(colourOf(explain({first, other}, {one, agreed})), "\x1b[32m");
   EXPECT_EQ(colourOf(explain({first, second, other}, {one, agreed})), "\x1b[31m");  // two versions requested
   EXPECT_EQ(colourOf(explain({first, first, other}, {one, two, agreed})), "\x1b[31m");  // two answered
+  EXPECT_EQ(colourOf(explain({first, second, newer}, {one, agreed})), "\x1b[33m");
 }
 
 TEST(ExplanationText, ColoursWhatCameOut) {
