@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cfloat>
 #include <charconv>
 #include <cstring>
 #include <limits>
@@ -210,6 +211,9 @@ double longToDouble(std::string_view number) noexcept {
   }
   return value;
 }
+
+static_assert(FLT_EVAL_METHOD == 0 || FLT_EVAL_METHOD == 1,
+              "numbers of type double must be computed as such, or their results are rounded twice");
 
 // A number of at most fifteen digits without exponent is an integer over a power of ten. Both are exact, so
 // their quotient is the nearest double. Empty for any other number.
