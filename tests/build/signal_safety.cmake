@@ -4,6 +4,7 @@
 set(allowed
   write read pipe2 close getpid process_vm_readv syscall  # system calls
   memchr memcpy memset memmove strlen __errno_location __stack_chk_fail _GLOBAL_OFFSET_TABLE_
+  __udivdi3 __umoddi3  # division where a register has 32 bits
   # The pieces of the dump themselves, and the pointer to the log.
   "_ZN10foundation7corvane6common7logging12MemoryReader.*" "_ZN10foundation7corvane6common7logging13processLoggerE"
   # Checks of a debug build that end the process, and what cannot happen in noexcept code.
