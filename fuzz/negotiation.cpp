@@ -145,6 +145,7 @@ std::shared_ptr<serialization::ProtocolRegistry> protocolsOf(const inspect::Offe
 void checkRehearsal(const Configs& configs, const Answer& rehearsed, const inspect::Offers& offers) {
   const auto explanation = inspect::explain(configs, rehearsed, offers);
   const bool isConflict = countProtocols(explanation, ProtocolOutcome::VersionConflict) != 0;
+  FUZZ_CHECK(explanation.isVoid == isConflict);
   FUZZ_CHECK(explanation.unasked.empty());
   const auto protocols = protocolsOf(offers);
   const auto server = serialization::Registry::create("server");
