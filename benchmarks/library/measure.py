@@ -16,7 +16,7 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
 UMBRELLA = "foundation/corvane/common.hpp"
-FOR_PRIVATE_MEMBERS = {"<array>", "<atomic>", "<typeindex>"}
+FOR_PRIVATE_MEMBERS = {"<array>", "<atomic>"}
 LIBRARIES = {"common": "foundation/corvane/libcorvane_common.so", "foundation": "foundation/libfoundation.so"}
 
 

@@ -239,15 +239,22 @@ class EnumPrinter:
         return "%d, which has no name" % number
 
 
-class FieldsPrinter:
-    """A record: its fields, by the names that its users know."""
+def pointee(owner):
+    """What a unique_ptr that is no larger than a pointer owns, whatever its library calls its parts."""
+    pointer = owner.type.strip_typedefs().template_argument(0).pointer()
+    return owner.address.cast(pointer.pointer()).dereference().dereference()
 
-    def __init__(self, title, fields):
+
+class FieldsPrinter:
+    """A record: its fields, by the names that its users know; those of the object `behind` it, if given."""
+
+    def __init__(self, title, fields, behind=None):
         self._title = title
         self._fields = fields
+        self._behind = behind
 
     def __call__(self, value):
-        printer = FieldsPrinter(self._title, self._fields)
+        printer = FieldsPrinter(self._title, self._fields, self._behind)
         printer.value = value
         return printer
 
@@ -255,8 +262,9 @@ class FieldsPrinter:
         return self._title(self.value) if callable(self._title) else self._title
 
     def children(self):
+        holder = pointee(self.value[self._behind]) if self._behind else self.value
         for name, path in self._fields:
-            yield name, self.value[path]
+            yield name, holder[path]
 
 
 class ValuePrinter:
@@ -296,9 +304,10 @@ def registry_title(value):
 
 
 def protocol_registry_title(value):
+    state = pointee(value["state_"])
     return "ProtocolRegistry of %s %s" % (
-        value["softwareName_"].format_string(),
-        value["softwareVersion_"].format_string(),
+        state["softwareName"].format_string(),
+        state["softwareVersion"].format_string(),
     )
 
 
@@ -327,11 +336,11 @@ def printers():
     add("MessageProtocolResolution", session + "MessageProtocolResolution",
         FieldsPrinter("resolution", (("name", "name"), ("version", "version"), ("resolutions", "resolutions"))))
     add("Registry", common + "serialization::Registry",
-        FieldsPrinter(registry_title, (("protocols", "protocols_"), ("versions", "versions_"),
-                                       ("configurations", "configurations_"), ("positions by tag", "positionsByTag_"),
-                                       ("serializers", "serializers_"))))
+        FieldsPrinter(registry_title, (("protocols", "protocols"), ("versions", "versions"),
+                                       ("configurations", "configurations"), ("positions by tag", "positionsByTag"),
+                                       ("serializers", "serializers")), behind="tables_"))
     add("ProtocolRegistry", common + "serialization::ProtocolRegistry",
-        FieldsPrinter(protocol_registry_title, (("protocols", "protocols_"),)))
+        FieldsPrinter(protocol_registry_title, (("protocols", "protocols"),), behind="state_"))
     add("Value", "^foundation::json::Value", ValuePrinter)
     return collection
 

@@ -21,9 +21,20 @@ constexpr auto sourcePath = "foundation/corvane/common/serialization/ProtocolReg
 
 }  // namespace
 
-struct ProtocolRegistry::Mutex : std::mutex {};
+struct ProtocolRegistry::State {
+  struct Protocol {
+    ProtocolInitializer initializer;  // may be empty
+    std::vector<session::FeatureRequest> features;
+  };
+  using Protocols = std::unordered_map<std::string, Protocol>;
 
-ProtocolRegistry::ProtocolRegistry() : mutex_(std::make_unique<Mutex>()) {}
+  std::mutex mutex;  // guards all that follows
+  Protocols protocols;
+  std::string softwareName;
+  std::string softwareVersion;
+};
+
+ProtocolRegistry::ProtocolRegistry() : state_(std::make_unique<State>()) {}
 ProtocolRegistry::~ProtocolRegistry() = default;
 
 std::shared_ptr<ProtocolRegistry> ProtocolRegistry::create(const std::string& softwareName,
@@ -41,19 +52,19 @@ void ProtocolRegistry::setSoftwareDescription(const std::string& name, const std
   // Copied first, so that running out of memory leaves the old description whole.
   auto newName = name;
   auto newVersion = version;
-  const std::lock_guard lock(*mutex_);
-  softwareName_.swap(newName);
-  softwareVersion_.swap(newVersion);
+  const std::lock_guard lock(state_->mutex);
+  state_->softwareName.swap(newName);
+  state_->softwareVersion.swap(newVersion);
 }
 
 std::string ProtocolRegistry::softwareName() const {
-  const std::lock_guard lock(*mutex_);
-  return softwareName_;
+  const std::lock_guard lock(state_->mutex);
+  return state_->softwareName;
 }
 
 std::string ProtocolRegistry::softwareVersion() const {
-  const std::lock_guard lock(*mutex_);
-  return softwareVersion_;
+  const std::lock_guard lock(state_->mutex);
+  return state_->softwareVersion;
 }
 
 void ProtocolRegistry::registerProtocolInitializer(const std::string& protocolName,
@@ -64,11 +75,11 @@ void ProtocolRegistry::registerProtocolInitializer(const std::string& protocolNa
                             << " softwareVersion()=" << softwareVersion();
   // Outlives the lock: whatever fails below, the copy of the initializer is destroyed when the mutex is free,
   // and may call back.
-  ProtocolEntry entry;
-  const std::lock_guard lock(*mutex_);
+  State::Protocol entry;
+  const std::lock_guard lock(state_->mutex);
   entry.initializer = initializer;
   entry.features = features;
-  const auto [place, isNew] = protocols_.try_emplace(protocolName);
+  const auto [place, isNew] = state_->protocols.try_emplace(protocolName);
   if (!isNew) throw std::logic_error("Message protocol registered more than once");
   std::swap(place->second, entry);
 }
@@ -78,21 +89,21 @@ void ProtocolRegistry::releaseProtocolInitializer(const std::string& protocolNam
   FOUNDATION_LOG(logger, 2) << " protocolName=" << protocolName << " softwareName()=" << softwareName()
                             << " softwareVersion()=" << softwareVersion();
   // Outlives the lock: the initializer is destroyed when the mutex is free, and may call back.
-  Protocols::node_type entry;
-  const std::lock_guard lock(*mutex_);
-  entry = protocols_.extract(protocolName);
+  State::Protocols::node_type entry;
+  const std::lock_guard lock(state_->mutex);
+  entry = state_->protocols.extract(protocolName);
 }
 
 bool ProtocolRegistry::exists(const std::string& protocolName) const {
-  const std::lock_guard lock(*mutex_);
-  return protocols_.contains(protocolName);
+  const std::lock_guard lock(state_->mutex);
+  return state_->protocols.contains(protocolName);
 }
 
 std::vector<session::FeatureRequest> ProtocolRegistry::getAvailableFeatures(
     const std::string& protocolName) const {
-  const std::lock_guard lock(*mutex_);
-  const auto protocol = protocols_.find(protocolName);
-  if (protocol == protocols_.end()) return {};
+  const std::lock_guard lock(state_->mutex);
+  const auto protocol = state_->protocols.find(protocolName);
+  if (protocol == state_->protocols.end()) return {};
   return protocol->second.features;
 }
 
@@ -100,9 +111,9 @@ ProtocolInitializer ProtocolRegistry::getProtocolInitializer(const std::string& 
   FOUNDATION_LOG_FUNCTION(logger, sourcePath);
   FOUNDATION_LOG(logger, 2) << " protocolName=" << protocolName << " softwareName()=" << softwareName()
                             << " softwareVersion()=" << softwareVersion();
-  const std::lock_guard lock(*mutex_);
-  const auto protocol = protocols_.find(protocolName);
-  if (protocol != protocols_.end()) return protocol->second.initializer;
+  const std::lock_guard lock(state_->mutex);
+  const auto protocol = state_->protocols.find(protocolName);
+  if (protocol != state_->protocols.end()) return protocol->second.initializer;
   FOUNDATION_LOG(logger, 4) << protocolName << " does not exist in map";
   return {};
 }
@@ -110,9 +121,9 @@ ProtocolInitializer ProtocolRegistry::getProtocolInitializer(const std::string& 
 std::vector<std::string> ProtocolRegistry::protocolNames() const {
   std::vector<std::string> names;
   {
-    const std::lock_guard lock(*mutex_);
-    names.reserve(protocols_.size());
-    for (const auto& [name, protocol] : protocols_) names.push_back(name);
+    const std::lock_guard lock(state_->mutex);
+    names.reserve(state_->protocols.size());
+    for (const auto& [name, protocol] : state_->protocols) names.push_back(name);
   }
   std::ranges::sort(names);
   return names;

@@ -99,19 +99,11 @@ class FOUNDATION_EXPORT ProtocolRegistry {
       const std::shared_ptr<Registry>& registry) const;
 
  private:
-  struct ProtocolEntry {
-    ProtocolInitializer initializer;  // may be empty
-    std::vector<session::FeatureRequest> features;
-  };
-  using Protocols = std::unordered_map<std::string, ProtocolEntry>;
+  struct State;  // in the source, where it costs nobody's time who compiles this header
 
   ProtocolRegistry();
 
-  struct Mutex;  // not the standard one itself, whose header is a tenth of what a user of this one compiles
-  const std::unique_ptr<Mutex> mutex_;  // guards all that follows
-  Protocols protocols_;
-  std::string softwareName_;
-  std::string softwareVersion_;
+  const std::unique_ptr<State> state_;
 };
 
 }  // namespace foundation::corvane::common::serialization

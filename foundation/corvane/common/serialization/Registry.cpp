@@ -2,7 +2,9 @@
 #include "foundation/corvane/common/serialization/Registry.hpp"
 
 #include <cstddef>
+#include <cstdint>
 #include <stdexcept>
+#include <typeindex>
 
 #include "foundation/corvane/common/serialization/ProtocolRegistry.hpp"
 #include "foundation/corvane/common/serialization/SerializerBase.hpp"
@@ -37,17 +39,33 @@ class Rollback {
 
 }  // namespace
 
-Registry::Registry(std::string softwareName) : softwareName_(std::move(softwareName)) {
+struct Registry::Tables {
+  Tables() {
+    constexpr std::size_t usualSerializers = 100;
+    constexpr std::size_t usualProtocols = 10;
+    serializers.reserve(usualSerializers);
+    positionsByTag.reserve(usualSerializers);
+    positionsByType.reserve(usualSerializers);
+    versions.reserve(usualProtocols);
+    configurations.reserve(usualProtocols);
+    protocols.reserve(usualProtocols);
+  }
+
+  // Each serializer has exactly one entry in each index: its position in the list.
+  std::vector<std::shared_ptr<const SerializerBase>> serializers;
+  std::unordered_map<std::string, std::uint64_t> positionsByTag;
+  std::unordered_map<std::type_index, std::uint64_t> positionsByType;
+
+  // The names are exactly the keys of the versions.
+  std::vector<std::string> protocols;
+  std::unordered_map<std::string, std::pair<unsigned, unsigned>> versions;
+  std::unordered_map<std::string, std::unordered_map<std::string, std::string>> configurations;
+};
+
+Registry::Registry(std::string softwareName)
+    : softwareName_(std::move(softwareName)), tables_(std::make_unique<Tables>()) {
   FOUNDATION_LOG_FUNCTION(logger, sourcePath);
   FOUNDATION_LOG(logger, 2) << " softwareName_=" << softwareName_;
-  constexpr std::size_t usualSerializers = 100;
-  constexpr std::size_t usualProtocols = 10;
-  serializers_.reserve(usualSerializers);
-  positionsByTag_.reserve(usualSerializers);
-  positionsByType_.reserve(usualSerializers);
-  versions_.reserve(usualProtocols);
-  configurations_.reserve(usualProtocols);
-  protocols_.reserve(usualProtocols);
 }
 
 Registry::~Registry() = default;
@@ -87,41 +105,41 @@ void Registry::insert(const std::shared_ptr<const SerializerBase>& serializer) {
   if (closed_) throw std::logic_error("Updates to closed serializer registry not supported.");
   const auto tag = serializer->tag();
   const std::type_info& type = serializer->type();
-  const std::uint64_t position = serializers_.size();
+  const std::uint64_t position = tables_->serializers.size();
   FOUNDATION_LOG(logger, 2) << " softwareName_=" << softwareName_ << " tag=" << tag
                             << " type.name()=" << type.name();
   serializer->privateSetRegistry(weak_from_this());  // deliberate: not undone below
 
   bool tagAdded = false;
   bool typeAdded = false;
-  serializers_.push_back(serializer);
+  tables_->serializers.push_back(serializer);
   Rollback rollback([&] {
-    serializers_.pop_back();
-    if (tagAdded) positionsByTag_.erase(tag);
-    if (typeAdded) positionsByType_.erase(type);
+    tables_->serializers.pop_back();
+    if (tagAdded) tables_->positionsByTag.erase(tag);
+    if (typeAdded) tables_->positionsByType.erase(type);
   });
-  tagAdded = positionsByTag_.try_emplace(tag, position).second;
-  typeAdded = positionsByType_.try_emplace(type, position).second;
+  tagAdded = tables_->positionsByTag.try_emplace(tag, position).second;
+  typeAdded = tables_->positionsByType.try_emplace(type, position).second;
   if (!tagAdded || !typeAdded) throw std::logic_error("Serializer registered twice.");
   rollback.dismiss();
 }
 
 bool Registry::exists(const std::string& tag) const {
-  return positionsByTag_.contains(tag);
+  return tables_->positionsByTag.contains(tag);
 }
 
 bool Registry::exists(const std::type_info& type) const {
-  return positionsByType_.contains(type);
+  return tables_->positionsByType.contains(type);
 }
 
 std::shared_ptr<const SerializerBase> Registry::serializer(const std::string& tag) const {
-  const auto position = positionsByTag_.find(tag);
-  return position == positionsByTag_.end() ? nullptr : serializers_[position->second];
+  const auto position = tables_->positionsByTag.find(tag);
+  return position == tables_->positionsByTag.end() ? nullptr : tables_->serializers[position->second];
 }
 
 std::shared_ptr<const SerializerBase> Registry::serializer(const std::type_info& type) const {
-  const auto position = positionsByType_.find(type);
-  return position == positionsByType_.end() ? nullptr : serializers_[position->second];
+  const auto position = tables_->positionsByType.find(type);
+  return position == tables_->positionsByType.end() ? nullptr : tables_->serializers[position->second];
 }
 
 void Registry::setInstalledProtocol(const std::string& protocolName,
@@ -130,35 +148,35 @@ void Registry::setInstalledProtocol(const std::string& protocolName,
   FOUNDATION_LOG_FUNCTION(logger, sourcePath);
   FOUNDATION_LOG(logger, 2) << " softwareName_=" << softwareName_ << " protocolName=" << protocolName;
 
-  if (!versions_.try_emplace(protocolName, version).second) {
+  if (!tables_->versions.try_emplace(protocolName, version).second) {
     throw std::logic_error("Message serialization protocol installed twice");
   }
-  Rollback forgetVersion([&] { versions_.erase(protocolName); });
+  Rollback forgetVersion([&] { tables_->versions.erase(protocolName); });
   // unreachable: both tables are filled here alone, and together. The version would stay.
-  if (!configurations_.try_emplace(protocolName, configuration).second) {
+  if (!tables_->configurations.try_emplace(protocolName, configuration).second) {
     forgetVersion.dismiss();
     throw std::logic_error("Message protocol configuration installed twice");
   }
-  Rollback forgetConfiguration([&] { configurations_.erase(protocolName); });
-  protocols_.push_back(protocolName);
+  Rollback forgetConfiguration([&] { tables_->configurations.erase(protocolName); });
+  tables_->protocols.push_back(protocolName);
   forgetConfiguration.dismiss();
   forgetVersion.dismiss();
 }
 
 std::pair<unsigned, unsigned> Registry::installedProtocol(const std::string& protocolName) const {
-  const auto version = versions_.find(protocolName);
-  return version == versions_.end() ? session::undefinedVersion : version->second;
+  const auto version = tables_->versions.find(protocolName);
+  return version == tables_->versions.end() ? session::undefinedVersion : version->second;
 }
 
 std::unordered_map<std::string, std::string> Registry::installedConfiguration(
     const std::string& protocolName) const {
-  const auto configuration = configurations_.find(protocolName);
-  if (configuration == configurations_.end()) return {};
+  const auto configuration = tables_->configurations.find(protocolName);
+  if (configuration == tables_->configurations.end()) return {};
   return configuration->second;
 }
 
 std::vector<std::string> Registry::protocols() const {
-  return protocols_;
+  return tables_->protocols;
 }
 
 }  // namespace foundation::corvane::common::serialization
