@@ -231,6 +231,15 @@ class LastPage {
   char* page_;
 };
 
+/// Whether the kernel reads a process's memory for it; an emulated one may not know how.
+bool kernelReadsMemory() {
+  char from = 'x';
+  char to = '\0';
+  const iovec local{&to, 1};
+  const iovec remote{&from, 1};
+  return ::syscall(SYS_process_vm_readv, ::getpid(), &local, 1UL, &remote, 1UL, 0UL) == 1;
+}
+
 TEST_F(DumpFastLogFaults, ReadsATextUpToTheLastByteOfMemoryWhereverItBegins) {
   const LastPage page;
   for (const bool direct : {true, false}) {
@@ -242,7 +251,7 @@ TEST_F(DumpFastLogFaults, ReadsATextUpToTheLastByteOfMemoryWhereverItBegins) {
       EXPECT_THAT(dump(everything),
                   StartsWith("Log size = 1\n   0  (0): " + std::string(length, 'x') + " b "));
     }
-    EXPECT_EQ(pipesMade == 0, direct);
+    EXPECT_EQ(pipesMade == 0, direct && kernelReadsMemory());
   }
   readsDirectly = true;
   logger->snapshot();
