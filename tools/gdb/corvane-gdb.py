@@ -7,6 +7,7 @@ gdb loads this file of its own accord where the library is installed below /usr;
 
 It adds the command "corvane fastlog", for core files and live processes, and printers for the library's types. The
 command needs no debug information: it finds the log by a descriptor that the library exports, and only reads memory.
+The printers need that of the program, and those of the registries that of the library, too.
 """
 
 import json
@@ -240,9 +241,11 @@ class EnumPrinter:
 
 
 def pointee(owner):
-    """What a unique_ptr that is no larger than a pointer owns, whatever its library calls its parts."""
+    """What a unique_ptr that is no larger than a pointer owns, whatever its library calls its parts; None if the type
+    is declared and no more, as what the library's sources define is to those who have no debug information of it."""
     pointer = owner.type.strip_typedefs().template_argument(0).pointer()
-    return owner.address.cast(pointer.pointer()).dereference().dereference()
+    value = owner.address.cast(pointer.pointer()).dereference().dereference()
+    return value if value.type.fields() else None
 
 
 class FieldsPrinter:
@@ -263,6 +266,8 @@ class FieldsPrinter:
 
     def children(self):
         holder = pointee(self.value[self._behind]) if self._behind else self.value
+        if holder is None:
+            return
         for name, path in self._fields:
             yield name, holder[path]
 
@@ -299,12 +304,19 @@ class ValuePrinter:
             yield self._kind, self._held
 
 
+UNKNOWN = "what it has, only the library's debug information tells"
+
+
 def registry_title(value):
-    return 'Registry of %s, %s' % (value["softwareName_"].format_string(), "closed" if value["closed_"] else "open")
+    name, state = value["softwareName_"].format_string(), "closed" if value["closed_"] else "open"
+    title = "Registry of %s, %s" % (name, state)
+    return title if pointee(value["tables_"]) is not None else "%s; %s" % (title, UNKNOWN)
 
 
 def protocol_registry_title(value):
     state = pointee(value["state_"])
+    if state is None:
+        return "ProtocolRegistry; " + UNKNOWN
     return "ProtocolRegistry of %s %s" % (
         state["softwareName"].format_string(),
         state["softwareVersion"].format_string(),

@@ -6,9 +6,11 @@ set(commands -ex "source ${VIEW}" -ex "break stopHere" -ex run -ex up)
 foreach(name IN LISTS names)
   list(APPEND commands -ex "printf \"${name} is \"" -ex "output ${name}" -ex "echo \\n")
 endforeach()
+set(tables foundation::corvane::common::serialization::Registry::Tables)
 # In quotes the name is found in a library without debug information, too.
 execute_process(COMMAND ${GDB} -q -batch ${commands}
-  -ex "call (void)'foundation::corvane::common::logging::dumpGlobalFastLog()'()" ${PROGRAM}
+  -ex "call (void)'foundation::corvane::common::logging::dumpGlobalFastLog()'()"
+  -ex "ptype ${tables}" ${PROGRAM}
   OUTPUT_VARIABLE text ERROR_VARIABLE text)
 
 function(expect)
@@ -34,14 +36,22 @@ expect(
   "config is config = {name = \"Telemetry\", version = 2.1, features = "
   "resolution is resolution = {name = \"Telemetry\", version = 2.0, resolutions = "
   "message = \"lz4\", status = success}"
-  "*registry is Registry of \"client\", closed = {protocols = "
-  "*protocols is ProtocolRegistry of \"server\" \"2.1\" = {protocols = "
   "*log is log of 1 events, 1 recorded\n"
   "value is JSON object = {object = "
   "JSON array = {array = std::vector of length 5, capacity 5 = {1, 2.5, \"text\", null, true}}"
   "nothing is null\n"
   # A debugger may also call the library's own dump, by the name that nobody else uses.
   "Global FastLog:\nLog size = 0\n\n")
+# What the sources of the library define is known where these were built with debug information.
+if(text MATCHES "Tables {[^}]*positionsByTag")
+  expect(
+    "*registry is Registry of \"client\", closed = {protocols = "
+    "*protocols is ProtocolRegistry of \"server\" \"2.1\" = {protocols = ")
+else()
+  expect(
+    "*registry is Registry of \"client\", closed; what it has, only the library's debug information tells\n"
+    "*protocols is ProtocolRegistry; what it has, only the library's debug information tells\n")
+endif()
 if(failed)
   message(STATUS "${text}")
 endif()
