@@ -55,8 +55,7 @@ class FOUNDATION_EXPORT ProtocolRegistry {
   /// Registers a protocol. Keeps copies of `initializer`, which may be empty (installing the protocol then
   /// comes to nothing), and of `features` in their order: one element for each value that a feature may have.
   /// @throws std::logic_error "Message protocol registered more than once" if the name is registered; the
-  /// registry is
-  ///         as before.
+  /// registry is as before.
   void registerProtocolInitializer(const std::string& protocolName, const ProtocolInitializer& initializer,
                                    const std::vector<session::FeatureRequest>& features);
 
@@ -85,11 +84,9 @@ class FOUNDATION_EXPORT ProtocolRegistry {
   ///
   /// @param registry Not empty, and used by no other thread meanwhile.
   /// @return The version now installed and its configuration; `session::undefinedVersion` if nothing was
-  /// installed,
-  ///         because the protocol is unknown, has an empty initializer, or its initializer declined.
+  /// installed, because the protocol is unknown, has an empty initializer, or its initializer declined.
   /// @throws std::logic_error "Incompatible message protocol versions requested" if `registry` holds the
-  /// protocol at
-  ///         another version; nothing has changed.
+  /// protocol at another version; nothing has changed.
   /// @throws Whatever the initializer throws; serializers that it inserted stay, nothing is recorded.
   /// @throws std::logic_error Whatever `Registry::setInstalledProtocol` throws, for an initializer that
   /// called it.

@@ -36,9 +36,9 @@ class FOUNDATION_EXPORT Registry : public std::enable_shared_from_this<Registry>
   /// configuration, or there is an error. What an initializer installs beside its own protocol is not
   /// compared. Neither argument may be empty; `src` is not changed.
   /// @throws std::logic_error "Inconsistent serialization protocol version" if an initializer installs
-  ///         another version than `src` records, or nothing.
+  /// another version than `src` records, or nothing.
   /// @throws std::logic_error "Inconsistent serialization protocol configuration" if the version is right but
-  ///         the configuration differs in size, in a key or in a value.
+  /// the configuration differs in size, in a key or in a value.
   /// @throws Whatever `ProtocolRegistry::installProtocol` throws.
   static std::shared_ptr<Registry> create(const std::shared_ptr<const Registry>& src,
                                           const std::shared_ptr<const ProtocolRegistry>& protocolRegistry);
@@ -54,9 +54,9 @@ class FOUNDATION_EXPORT Registry : public std::enable_shared_from_this<Registry>
   /// belongs to one registry: inserting it into a second one, even in vain, turns it to that one, and must
   /// not happen while other threads use it.
   /// @throws std::logic_error "Updates to closed serializer registry not supported." after `close()`; nothing
-  ///         has changed.
+  /// has changed.
   /// @throws std::logic_error "Serializer registered twice." if the tag or the type is present; the tables
-  ///         are as before, but `serializer` points at this registry.
+  /// are as before, but `serializer` points at this registry.
   void insert(const std::shared_ptr<const SerializerBase>& serializer);
 
   /// Whether there is a serializer of this tag.
@@ -74,9 +74,9 @@ class FOUNDATION_EXPORT Registry : public std::enable_shared_from_this<Registry>
   /// Records a protocol as installed at `version`, which must not be `session::undefinedVersion`. Works on a
   /// closed registry too. Usually called by `ProtocolRegistry::installProtocol` alone.
   /// @throws std::logic_error "Message serialization protocol installed twice" if the name has a version;
-  ///         nothing has changed.
+  /// nothing has changed.
   /// @throws std::logic_error "Message protocol configuration installed twice" if the name has no version but
-  ///         a configuration; the version is recorded then. No sequence of calls leads there.
+  /// a configuration; the version is recorded then. No sequence of calls leads there.
   void setInstalledProtocol(const std::string& protocolName, const std::pair<unsigned, unsigned>& version,
                             const std::unordered_map<std::string, std::string>& configuration);
 

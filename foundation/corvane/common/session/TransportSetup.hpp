@@ -71,8 +71,7 @@ FOUNDATION_EXPORT std::vector<MessageProtocolResolution> toResolutions(const std
 /// Mind the k: an offer that repeats itself multiplies the answer.
 ///
 /// @return First the outcomes, each with the request's name and, as message, its value; second the
-/// configuration
-///         agreed: of each feature with a `success` the value of the first one.
+/// configuration agreed: of each feature with a `success` the value of the first one.
 /// @throws std::bad_alloc when memory runs out.
 FOUNDATION_EXPORT
 std::pair<std::vector<FeatureResolution>, std::unordered_map<std::string, std::string>> resolveFeatures(
@@ -118,8 +117,7 @@ FOUNDATION_EXPORT std::vector<MessageProtocolResolution> resolveProtocolRequests
 /// @param protocolRegistry The protocols of this process; not empty.
 /// @param registry The connection's registry; not empty, and used by no other thread meanwhile.
 /// @throws Whatever `ProtocolRegistry::installProtocol` or an initializer throws; what was installed before
-/// stays, the
-///         rest is not installed.
+/// stays, the rest is not installed.
 FOUNDATION_EXPORT void handleProtocolResolutions(
     const std::shared_ptr<serialization::ProtocolRegistry>& protocolRegistry,
     const std::vector<MessageProtocolResolution>& resolutions,
