@@ -655,7 +655,8 @@ TEST(Reader, RoundsTheMiddleBetweenTwoDoublesByTheLastOfItsDigits) {
     const auto power = upperDigits.substr(upperDigits.find('e'));
     if (!lowerDigits.ends_with(power)) continue;
     ++looked;
-    const auto mantissa = middleOf(lowerDigits.substr(0, lowerDigits.find('e')), upperDigits);
+    const auto mantissaOf = [](const std::string& digits) { return digits.substr(0, digits.find('e')); };
+    const auto mantissa = middleOf(mantissaOf(lowerDigits), mantissaOf(upperDigits));
     const auto exact = mantissa + power;
 
     const double even = (bits & 1) == 0 ? lower : upper;
