@@ -308,9 +308,8 @@ UNKNOWN = "what it has, only the library's debug information tells"
 
 
 def registry_title(value):
-    name, state = value["softwareName_"].format_string(), "closed" if value["closed_"] else "open"
-    title = "Registry of %s, %s" % (name, state)
-    return title if pointee(value["tables_"]) is not None else "%s; %s" % (title, UNKNOWN)
+    title = "Registry of %s, %s" % (value["softwareName_"].format_string(), "closed" if value["closed_"] else "open")
+    return "%s; %s" % (title, UNKNOWN) if pointee(value["tables_"]) is None else title
 
 
 def protocol_registry_title(value):
