@@ -1,7 +1,7 @@
 # shellcheck shell=bash
 # SPDX-License-Identifier: Apache-2.0
-# A Debian of one's own to try things in: a folder with a system in it, entered with chroot. Takes root. A tree is removed
-# with --one-file-system, lest something that was mounted in it be emptied.
+# A Debian of one's own to try things in: a folder with a system in it, entered with chroot. Takes root. A tree is
+# removed with --one-file-system, lest something that was mounted in it be emptied.
 
 # debian_mirror: the one that this machine uses.
 debian_mirror() {

@@ -390,10 +390,11 @@ def page(rows, left_out, survivors, keys, reasons):
         "# The mutants that survive",
         "",
         *textwrap.wrap(
-            f"Of {count + equivalent} mutants of the sources of `foundation/` and of its headers that are not installed, "
-            f"{equivalent} are held to change nothing that anybody could see, for the reasons in `equivalent.txt`. Of the "
-            f"others {killed} are killed: {100 * killed / count:.1f} %. {count - killed} survive. One that ran into the "
-            "time limit counts as killed. Left out are tests that look at the package, at symbols or at texts.", 120),
+            f"Of {count + equivalent} mutants of the sources of `foundation/` and of its headers that are not "
+            f"installed, {equivalent} are held to change nothing that anybody could see, for the reasons in "
+            f"`equivalent.txt`. Of the others {killed} are killed: {100 * killed / count:.1f} %. "
+            f"{count - killed} survive. One that ran into the time limit counts as killed. Left out are tests that "
+            "look at the package, at symbols or at texts.", 120),
         "",
         "| file | mutants | killed | equivalent | survive |",
         "|---|--:|--:|--:|--:|"]
@@ -403,7 +404,8 @@ def page(rows, left_out, survivors, keys, reasons):
                      f"{its_equivalent} | {all_of_it - its_killed} |")
     lines += ["", "| file, line | change | why |", "|---|---|---|"]
     for m in survivors:
-        lines.append(f"| {m['file'].removeprefix('foundation/')}:{m['line']} | `{cell(m['old'])}` to `{cell(m['new'])}` | "
+        place = f"{m['file'].removeprefix('foundation/')}:{m['line']}"
+        lines.append(f"| {place} | `{cell(m['old'])}` to `{cell(m['new'])}` | "
                      f"{reasons.get(keys[m['number']], 'not known')} |")
     return "\n".join(lines) + "\n"
 

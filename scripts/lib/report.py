@@ -234,7 +234,7 @@ def write(docs, measured, date):
         f"Of {len(judged)} figures that we want to keep, {len(judged) - len(missed)} are kept.",
         "",
     ]
-    lines += [f"- Missed: {table.title}, against {row.name}: {ratio_text(row)}, wanted {row.aim}." + (f" {row.obstacle}" if row.obstacle else "")
+    lines += [f"- Missed: {table.title}, against {row.name}: {ratio_text(row)}, wanted {row.aim}. {row.obstacle}".strip()
               for table, row in missed]
     absent = [f"{table.title}: {row.name}" for _, _, tables in measured for table in tables for row in table.rows
               if row.value is None and row.role != "peer"]

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: Apache-2.0
-"""Usage: members.py NATVIS SOURCE. Each type that the file tells of, or casts to, is defined below SOURCE/foundation, in
-the namespace that its name says, and each member that it shows is one of that type's."""
+"""Usage: members.py NATVIS SOURCE. Each type that the file tells of, or casts to, is defined below SOURCE/foundation,
+in the namespace that its name says, and each member that it shows is one of that type's."""
 
 import pathlib
 import re
