@@ -49,7 +49,7 @@ Value parse(std::string_view text) {
   const auto endArray = [&] {
     const auto [array, firstElement] = open[reader.depth()];
     const auto first = elements.begin() + static_cast<std::ptrdiff_t>(firstElement);
-    array->find<Array>()->assign(std::move_iterator(first), std::move_iterator(elements.end()));
+    *array = Array(std::move_iterator(first), std::move_iterator(elements.end()));
     elements.erase(first, elements.end());
   };
 
