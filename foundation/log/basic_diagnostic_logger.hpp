@@ -23,8 +23,7 @@ class indent_attribute;
 ///     BOOST_LOG_SEV(logger, 2u) << " name=" << name;
 ///
 /// Each record carries the attributes "Channel" (`std::string`), "Severity" (`std::uint32_t`, one bit),
-/// "Indent"
-/// (`std::uint32_t`: the traced scopes of this logger that are open) and, once pushed, "Message"
+/// "Indent" (`std::uint32_t`: the traced scopes of this logger that are open) and, once pushed, "Message"
 /// (`std::string`). A record whose severity is not enabled (see `set_enabled_severities`) costs a bit test:
 /// none of its pieces is evaluated, and Boost.Log is not asked. `BOOST_LOG_SEV` formats numbers by the global
 /// locale, and must not be used after `main`, where Boost.Log's own statics may be gone; `FOUNDATION_LOG` has

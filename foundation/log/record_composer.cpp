@@ -20,8 +20,8 @@ struct record_composer::composition {
   composition(basic_diagnostic_logger& source, boost::log::record&& opened)
       : logger(source), record(std::move(opened)) {
     text.imbue(std::locale::classic());
-    text.exceptions(
-        std::ios_base::badbit);  // or a text that memory did not suffice for would be cut in silence
+    // Without this, a text that memory did not suffice for would be cut in silence.
+    text.exceptions(std::ios_base::badbit);
   }
 
   basic_diagnostic_logger& logger;

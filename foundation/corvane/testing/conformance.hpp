@@ -37,8 +37,7 @@ enum class Conformance : std::uint8_t {
   /// `Registry::create(src, protocols)` can make an equal registry of what was installed.
   Replay,
   /// Client and server come out of a negotiation with the same version and configuration: for each version
-  /// and
-  /// each value of each feature.
+  /// and each value of each feature.
   Lockstep,
   /// Each tag is there, once, for a type of its own.
   UniqueTagsAndTypes,

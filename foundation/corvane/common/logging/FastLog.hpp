@@ -57,8 +57,8 @@ class FOUNDATION_EXPORT FastLog {
   /// @throws std::bad_alloc when memory runs out; the log is as before.
   const char* save(const std::string& s);
 
-  /// Prints the events, one a line under a line that counts them: "   0  (7): send            ExchangeDomain
-  /// ...".
+  /// Prints the events, one a line under a line that counts them:
+  /// "   0  (7): send            ExchangeDomain ...".
   ///
   /// Until the ring is full, in the order in which they were recorded; from then on in the order of their
   /// slots, which is not the order of their age. See `dumpFastLog` for that. Follows the stream's fill
@@ -77,8 +77,8 @@ class FOUNDATION_EXPORT FastLog {
   static constexpr std::size_t cacheLine = 64;
 
   std::array<Record, logSize> ring_;  // read and written through atomic references only
-  alignas(cacheLine) std::atomic<std::uint64_t> count_{
-      0};  // how many were ever recorded; every writer's hot spot
+  // How many events were ever recorded. Every writer changes it.
+  alignas(cacheLine) std::atomic<std::uint64_t> count_{0};
   alignas(cacheLine) const std::unique_ptr<SavedTexts> savedTexts_;
   std::array<std::byte, 4 * cacheLine> reserved_{};
 };
