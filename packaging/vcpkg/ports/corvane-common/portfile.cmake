@@ -1,5 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
-# Builds the tree that this port lies in. In a registry of ports, vcpkg_from_git takes the place of this line.
+# Nobody has run this port here, because we have no vcpkg.
+#
+# It builds the tree that it lies in. In a registry of ports, vcpkg_from_git replaces the next line.
 cmake_path(SET SOURCE_PATH NORMALIZE "${CURRENT_PORT_DIR}/../../../..")
 
 vcpkg_cmake_configure(SOURCE_PATH "${SOURCE_PATH}" OPTIONS -DBUILD_TESTING=OFF)
@@ -8,7 +10,7 @@ vcpkg_cmake_config_fixup(PACKAGE_NAME corvane_common CONFIG_PATH lib/cmake/corva
 vcpkg_fixup_pkgconfig()
 vcpkg_copy_tools(TOOL_NAMES corvane-negotiate AUTO_CLEAN)
 
-# One set of headers and data is enough, and gdb's folder names the place where the package was made.
+# One set of headers and data is enough, and gdb's folder names the folder of the build.
 file(REMOVE_RECURSE
   "${CURRENT_PACKAGES_DIR}/debug/include"
   "${CURRENT_PACKAGES_DIR}/debug/share"
