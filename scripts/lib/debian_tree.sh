@@ -1,9 +1,9 @@
 # shellcheck shell=bash
 # SPDX-License-Identifier: Apache-2.0
-# A Debian of one's own to try things in: a folder with a system in it, entered with chroot. Takes root. A tree is
-# removed with --one-file-system, lest something that was mounted in it be emptied.
+# Makes a Debian system in a folder (a tree), to try things in with chroot. Needs root. Remove a tree with
+# --one-file-system: then rm does not empty what is mounted in it.
 
-# debian_mirror: the one that this machine uses.
+# debian_mirror: prints the mirror of Debian that this machine uses.
 debian_mirror() {
   local mirror
   mirror=$(apt-get indextargets --format '$(REPO_URI) $(LABEL)' 'Created-By: Packages' 2>/dev/null |
@@ -15,7 +15,7 @@ debian_mirror() {
   echo "$mirror"
 }
 
-# bare_debian RELEASE ARCHITECTURE TREE [DEBOOTSTRAP-ARGUMENT...]: makes the tree, unless it is there.
+# bare_debian RELEASE ARCHITECTURE TREE [DEBOOTSTRAP-ARGUMENT...]: makes the tree if it is not there.
 bare_debian() {
   local release=$1 architecture=$2 tree=$3 mirror
   shift 3
@@ -27,7 +27,7 @@ bare_debian() {
   touch "$tree/ready"
 }
 
-# inside TREE COMMANDS [ARGUMENT...]: runs the commands in the tree. What is mounted is so for this call alone.
+# inside TREE COMMANDS [ARGUMENT...]: runs the commands in the tree. What it mounts is gone after the call.
 inside() {
   local tree=$1 commands=$2
   shift 2
@@ -41,7 +41,7 @@ inside() {
     inside "$tree" "$commands" inside "$@"
 }
 
-# copy_sources FOLDER: what is in our tree, committed or not, but for what git is told to ignore.
+# copy_sources FOLDER: copies our files, committed or not, except those that git ignores.
 copy_sources() {
   mkdir -p "$1"
   git ls-files -z --cached --others --exclude-standard |

@@ -119,12 +119,12 @@ list_group() {
       need g++ "builds what is compared" has_program g++
       need abigail-tools "compares it" has_program abidiff
       ;;
-    worlds)
+    platforms)
       need debootstrap "makes the trees of other releases" has_program debootstrap
       need valgrind "looks at every access to memory" has_program valgrind
       need googletest "the test framework, to be built with other flags" test -f /usr/src/googletest/CMakeLists.txt
-      need qemu-user-static "runs programs of the other byte order" has_program qemu-s390x-static
-      need g++-s390x-linux-gnu "compiles them" has_program s390x-linux-gnu-g++
+      need qemu-user-static "runs programs of other processors" has_program qemu-s390x-static
+      need g++-s390x-linux-gnu "compiles for a processor with the other byte order" has_program s390x-linux-gnu-g++
       ;;
     fuzz)
       need clang "the compiler with a fuzzer" has_program clang++
