@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
-# The archives, as the targets package and package_source; and what scripts/sbom asks of a build.
+# The archives, as the targets package and package_source.
 set(CPACK_VERBATIM_VARIABLES ON)
 set(CPACK_GENERATOR TGZ)
 set(CPACK_SOURCE_GENERATOR TGZ)
@@ -22,14 +22,3 @@ set(CPACK_SOURCE_IGNORE_FILES
   "^${source_regex}/(CMakeUserPresets|compile_commands)\\.json$"
   "/__pycache__/")
 include(CPack)
-
-file(WRITE ${PROJECT_BINARY_DIR}/dependencies.json
-"{
-  \"name\": \"${PROJECT_NAME}\",
-  \"version\": \"${PROJECT_VERSION}\",
-  \"dependencies\": {
-    \"Boost\": \"${Boost_VERSION}\",
-    \"oneTBB\": \"${TBB_VERSION}\"
-  }
-}
-")

@@ -104,8 +104,10 @@ list_group() {
       need dpkg-dev "builds Debian packages" has_program dpkg-buildpackage
       need lintian "judges the packages" has_program lintian
       need debootstrap "makes a bare Debian to try them in" has_program debootstrap
+      need python3 "writes the list of the exported symbols" has_program python3
+      ;;
+    licences)
       need reuse "checks that every file has a licence, and lists the contents" has_program reuse
-      need python3 "writes the list of the exported symbols and the bill of materials" has_program python3
       ;;
     docs)
       need doxygen "makes the site of the comments and the pages" has_program doxygen
