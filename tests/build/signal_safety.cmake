@@ -12,7 +12,7 @@ set(allowed
 string(REPLACE ";" "|" allowed "${allowed}")
 set(looked_at 0)
 foreach(object IN LISTS OBJECTS)
-  if(NOT object MATCHES "/(dumpFastLog|readMemory)\\.cpp\\.o$")
+  if(NOT object MATCHES "/(dumpFastLog|MemoryReader)\\.cpp\\.o$")
     continue()
   endif()
   math(EXPR looked_at "${looked_at} + 1")

@@ -14,8 +14,8 @@
 #include <ostream>
 #include <string_view>
 
+#include "foundation/corvane/common/logging/LogAccess.hpp"
 #include "foundation/corvane/common/logging/RecordLine.hpp"
-#include "foundation/corvane/common/logging/logLayout.hpp"
 #include "foundation/corvane/common/logging/textAllocator.hpp"
 
 namespace foundation::corvane::common::logging {
@@ -29,7 +29,7 @@ FastLog::FastLog() : ring_{}, savedTexts_(new SavedTexts) {}
 FastLog::~FastLog() = default;
 
 void FastLog::log(const char* text1, const char* text2, const char* text3, const char* text4) noexcept {
-  LogLayout::record(*this, text1, text2, text3, text4);
+  LogAccess::record(*this, text1, text2, text3, text4);
 }
 
 const char* FastLog::save(const std::string& s) {

@@ -66,7 +66,7 @@ class FOUNDATION_EXPORT FastLog {
   void print(std::ostream& os) const;
 
  private:
-  friend struct LogLayout;
+  friend struct LogAccess;
   struct SavedTexts;
 
   std::uint64_t privatePrintBufferBlock(std::ostream& os, std::uint64_t firstNumber, std::uint64_t from,

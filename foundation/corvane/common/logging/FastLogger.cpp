@@ -4,8 +4,9 @@
 #include <iostream>
 #include <thread>
 
-#include "foundation/corvane/common/logging/keep.hpp"
-#include "foundation/corvane/common/logging/logLayout.hpp"
+#include "foundation/corvane/common/logging/LogAccess.hpp"
+#include "foundation/corvane/common/logging/keepForDebuggers.hpp"
+#include "foundation/corvane/common/logging/processLogger.hpp"
 
 namespace foundation::corvane::common::logging {
 
@@ -34,7 +35,7 @@ std::shared_ptr<FastLogger> FastLogger::instance() {
 void FastLogger::log(const char* text1, const char* text2, const char* text3, const char* text4) noexcept {
   auto* const log = current_.load(std::memory_order_acquire);
   // unreachable: it is null only once the logger is gone
-  if (log != nullptr) LogLayout::record(*log, text1, text2, text3, text4);
+  if (log != nullptr) LogAccess::record(*log, text1, text2, text3, text4);
 }
 
 const char* FastLogger::save(const std::string& s) {
@@ -57,7 +58,7 @@ std::shared_ptr<FastLog> FastLogger::snapshot() {
 
 // For a debugger to call by name: prints the process's log, and empties it. Declared in no header, so that no
 // program comes to rely on it; in this file, so that a program that links statically has it, too.
-FOUNDATION_KEEP __attribute__((noinline, visibility("hidden"))) void dumpGlobalFastLog();
+FOUNDATION_KEEP_FOR_DEBUGGERS __attribute__((noinline, visibility("hidden"))) void dumpGlobalFastLog();
 
 // unreachable: only a debugger calls it, which the tests of tools/gdb do
 void dumpGlobalFastLog() {

@@ -55,7 +55,7 @@ class FOUNDATION_EXPORT FastLogger {
   std::shared_ptr<FastLog> snapshot();
 
  private:
-  friend struct LogLayout;
+  friend struct LogAccess;
 
   static std::shared_ptr<FastLogger> globalLogger_;
 

@@ -11,8 +11,9 @@
 #include <cstring>
 #include <string_view>
 
-#include "foundation/corvane/common/logging/logLayout.hpp"
-#include "foundation/corvane/common/logging/readMemory.hpp"
+#include "foundation/corvane/common/logging/LogAccess.hpp"
+#include "foundation/corvane/common/logging/MemoryReader.hpp"
+#include "foundation/corvane/common/logging/processLogger.hpp"
 
 // Everything here runs in signal handlers: system calls, and code that touches nothing but its own stack.
 // std::to_chars of integers and memchr are such code.
@@ -69,14 +70,14 @@ class Printer {
   explicit Printer(int fd) noexcept : out_(fd) {}
 
   void print(const FastLog& log) noexcept {
-    const auto& ring = LogLayout::ring(log);
+    const auto& ring = LogAccess::ring(log);
     std::uint64_t written = 0;
     for (const auto& slot : ring) written += loadRecord(slot).text2 != nullptr ? 1U : 0U;
     out_.put("Log size = ");
     out_.number(written, 0);
     out_.put('\n');
 
-    const auto count = LogLayout::count(log);
+    const auto count = LogAccess::count(log);
     const auto oldest = count > FastLog::logSize ? count - FastLog::logSize : 0;
     std::uint64_t number = 0;
     for (auto event = oldest; event < oldest + FastLog::logSize && !out_.broken(); ++event) {
@@ -150,7 +151,7 @@ class Printer {
 void dumpFastLog(int fd) noexcept {
   const int savedErrno = errno;
   const auto* const logger = processLogger.load();
-  const auto* const log = logger == nullptr ? nullptr : LogLayout::current(*logger);
+  const auto* const log = logger == nullptr ? nullptr : LogAccess::current(*logger);
   if (log != nullptr) Printer(fd).print(*log);
   errno = savedErrno;
 }

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "foundation/corvane/common/logging/processLogger.hpp"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
 
 #include "foundation/core/export.hpp"
-#include "foundation/corvane/common/logging/keep.hpp"
-#include "foundation/corvane/common/logging/logLayout.hpp"
+#include "foundation/corvane/common/logging/LogAccess.hpp"
+#include "foundation/corvane/common/logging/keepForDebuggers.hpp"
 
 namespace foundation::corvane::common::logging {
 
@@ -36,11 +38,11 @@ static_assert(sizeof(std::atomic<FastLog*>) == sizeof(void*) && sizeof(std::atom
 extern "C" FOUNDATION_EXPORT const Descriptor corvane_fastlog_descriptor;
 
 // Beside the pointer, which the logger needs: so that a program that links statically has it, too.
-extern "C" FOUNDATION_KEEP const Descriptor corvane_fastlog_descriptor = {
+extern "C" FOUNDATION_KEEP_FOR_DEBUGGERS const Descriptor corvane_fastlog_descriptor = {
     {"corvane.fastlog"},      1,
     sizeof(Descriptor),       &processLogger,
-    LogLayout::currentOffset, LogLayout::countOffset,
-    LogLayout::ringOffset,    FastLog::logSize,
+    LogAccess::currentOffset, LogAccess::countOffset,
+    LogAccess::ringOffset,    FastLog::logSize,
     sizeof(FastLog::Record),
 };
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "foundation/corvane/common/logging/readMemory.hpp"
+#include "foundation/corvane/common/logging/MemoryReader.hpp"
 
 #include <fcntl.h>
 #include <sys/syscall.h>

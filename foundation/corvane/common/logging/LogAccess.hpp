@@ -8,10 +8,11 @@
 #include "foundation/corvane/common/logging/FastLog.hpp"
 #include "foundation/corvane/common/logging/FastLogger.hpp"
 
-// Not installed: what reads a log from outside has to know of its inside.
+// Not installed.
 namespace foundation::corvane::common::logging {
 
-struct LogLayout {
+/// Every access to what threads share inside a log, and where it lies.
+struct LogAccess {
   static constexpr std::size_t ringOffset = offsetof(FastLog, ring_);
   static constexpr std::size_t countOffset = offsetof(FastLog, count_);
   static constexpr std::size_t currentOffset = offsetof(FastLogger, current_);
@@ -42,9 +43,5 @@ inline FastLog::Record loadRecord(const FastLog::Record& record) noexcept {
   return {__atomic_load_n(&record.text1, __ATOMIC_RELAXED), text2,
           __atomic_load_n(&record.text3, __ATOMIC_RELAXED), __atomic_load_n(&record.text4, __ATOMIC_RELAXED)};
 }
-
-/// The logger behind `FastLogger::instance()`, for those who may neither wait nor make one; null before the
-/// first call of it and once the logger is gone. Never owns.
-extern std::atomic<const FastLogger*> processLogger;
 
 }  // namespace foundation::corvane::common::logging
