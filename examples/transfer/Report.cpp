@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Report.hpp"
 
-#include <algorithm>
 #include <cstdio>
 #include <iomanip>
 #include <map>
@@ -11,6 +10,7 @@
 #include "foundation/corvane/common/serialization/IDText.hpp"
 #include "foundation/corvane/common/uuid/Version.hpp"
 #include "foundation/corvane/common/uuid/uuid.hpp"
+#include "foundation/corvane/inspect/printable.hpp"
 #include "protocols/MessageSerializer.hpp"
 #include "protocols/progress.hpp"
 #include "protocols/transfer.hpp"
@@ -51,16 +51,11 @@ std::map<std::string, std::string> valuesByName(const std::vector<session::Featu
 
 }  // namespace
 
-std::string printable(std::string text) {
-  std::ranges::replace_if(
-      text, [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7F'; }, '?');
-  return text;
-}
-
 void Report::print(const std::string& lines) const {
   std::string block;
   std::istringstream input(lines);
-  for (std::string line; std::getline(input, line);) block += speaker_ + " | " + printable(line) + '\n';
+  for (std::string line; std::getline(input, line);)
+    block += speaker_ + " | " + inspect::printable(line) + '\n';
   std::fwrite(block.data(), 1, block.size(), stdout);
   std::fflush(stdout);
 }

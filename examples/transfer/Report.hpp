@@ -31,9 +31,6 @@ class Report {
   std::string speaker_;
 };
 
-/// `text` without what could upset a terminal or break a line: much of what we print comes from a peer.
-std::string printable(std::string text);
-
 // Each of the following gives whole lines.
 
 std::string describeSession(const Hello& self, const Hello& peer, session::ConnectionType kind);

@@ -11,6 +11,7 @@
 
 #include "Report.hpp"
 #include "client.hpp"
+#include "foundation/corvane/inspect/printable.hpp"
 #include "options.hpp"
 #include "server.hpp"
 #include "transport/Child.hpp"
@@ -103,7 +104,7 @@ int main(int argc, char** argv) {
     run(options);
     return EXIT_SUCCESS;
   } catch (const std::exception& error) {
-    std::cerr << printable(speaker + ": " + error.what()) + '\n';
+    std::cerr << inspect::printable(speaker + ": " + error.what()) + '\n';
     return dynamic_cast<const UsageError*>(&error) != nullptr ? usageFailure : EXIT_FAILURE;
   }
 }

@@ -8,4 +8,5 @@
 #include "foundation/corvane/inspect/Judgement.hpp"
 #include "foundation/corvane/inspect/Offers.hpp"
 #include "foundation/corvane/inspect/diagnose.hpp"
+#include "foundation/corvane/inspect/printable.hpp"
 #include "foundation/corvane/inspect/rehearse.hpp"

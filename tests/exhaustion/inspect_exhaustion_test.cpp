@@ -87,6 +87,11 @@ TEST(AgreementWithoutMemory, IsToldOrNot) {
       [](const std::vector<Difference>& differences) { return toText(differences, name, value); });
 }
 
+TEST(TextWithoutMemory, IsMadePrintableOrNot) {
+  exhaust({"inspect::printable"},
+          [] { return printable("a text of escapes and letters \x1b \xff \xc3\xa9"); });
+}
+
 TEST(OffersWithoutMemory, AreTakenWrittenAndReadOrNot) {
   const auto protocols = ProtocolRegistry::create(name, value);
   protocols->registerProtocolInitializer(name, {}, {{name, value}, {"a", "1"}});

@@ -4,47 +4,11 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstddef>
+#include <string>
+
+#include "foundation/corvane/inspect/printable.hpp"
 
 namespace negotiate {
-
-namespace {
-
-void append(std::string& text, unsigned char control) {
-  constexpr std::string_view digits = "0123456789abcdef";
-  switch (control) {
-    case '\n':
-      text += "\\n";
-      return;
-    case '\r':
-      text += "\\r";
-      return;
-    case '\t':
-      text += "\\t";
-      return;
-    default:
-      text += "\\x";
-      text += digits[control >> 4U];
-      text += digits[control & 0xfU];
-  }
-}
-
-}  // namespace
-
-std::string printable(std::string_view text) {
-  constexpr unsigned char del = 0x7f;
-  std::string result;
-  result.reserve(text.size());
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte < ' ' || byte == del) {
-      append(result, byte);
-    } else {
-      result += c;
-    }
-  }
-  return result;
-}
 
 void tell(std::string_view line) {
   std::string text(line);
@@ -59,7 +23,7 @@ void tell(std::string_view line) {
 }
 
 void complain(std::string_view message) {
-  tell("corvane-negotiate: " + printable(message));
+  tell("corvane-negotiate: " + foundation::corvane::inspect::printable(message));
 }
 
 }  // namespace negotiate

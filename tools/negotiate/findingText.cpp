@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "complain.hpp"
+#include "foundation/corvane/inspect/printable.hpp"
 #include "foundation/corvane/inspect/wellFormed.hpp"
 #include "foundation/json.hpp"
 #include "readFile.hpp"
@@ -17,7 +17,7 @@ std::string toLine(const std::string& file, const inspect::Finding& finding) {
   auto line = shownName(file) + ':' + std::to_string(finding.line) + ':' + std::to_string(finding.column) +
               ": " + finding.message + " [" + toCString(finding.rule) + ']';
   if (!finding.pointer.empty()) line += ' ' + finding.pointer;
-  return printable(line);
+  return inspect::printable(line);
 }
 
 std::string toJson(const std::string& file, inspect::Document document, const inspect::Finding& finding) {

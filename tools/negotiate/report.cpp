@@ -5,9 +5,9 @@
 #include <string>
 #include <string_view>
 
-#include "complain.hpp"
 #include "findingText.hpp"
 #include "foundation/corvane/inspect/diagnose.hpp"
+#include "foundation/corvane/inspect/printable.hpp"
 #include "foundation/corvane/inspect/wellFormed.hpp"
 #include "foundation/json.hpp"
 
@@ -31,7 +31,7 @@ std::string reasonsOf(const inspect::Judgement& judgement, bool refuse) {
   for (const auto& reason : judgement.reasons) {
     if (reason.refuses != refuse || ++count > most) continue;
     if (!text.empty()) text += "; ";
-    text += printable(reason.sentence) + " [" + toCString(reason.ground) + ']';
+    text += inspect::printable(reason.sentence) + " [" + toCString(reason.ground) + ']';
   }
   if (count > most) text += "; and " + std::to_string(count - most) + " more";
   return text;

@@ -5,9 +5,11 @@
 #include <cstddef>
 #include <string_view>
 
-#include "complain.hpp"
+#include "foundation/corvane/inspect/printable.hpp"
 
 namespace negotiate {
+
+namespace inspect = foundation::corvane::inspect;
 
 namespace {
 
@@ -21,7 +23,7 @@ std::vector<std::size_t> widthsOf(const Table& table) {
   std::vector<std::size_t> widths(table.front().size());
   for (const auto& row : table) {
     for (std::size_t column = 0; column < row.size(); ++column) {
-      widths[column] = std::max(widths[column], widthOf(printable(row[column])));
+      widths[column] = std::max(widths[column], widthOf(inspect::printable(row[column])));
     }
   }
   return widths;
@@ -45,7 +47,7 @@ std::string toText(const Table& table) {
   for (const auto& row : table) {
     std::size_t missing = 0;
     for (std::size_t column = 0; column < row.size(); ++column) {
-      const auto cell = printable(row[column]);
+      const auto cell = inspect::printable(row[column]);
       text.append(missing, ' ');
       text += cell;
       missing = widths[column] - widthOf(cell) + 2;
@@ -58,7 +60,7 @@ std::string toText(const Table& table) {
 std::string toMarkdown(const Table& table) {
   std::string text;
   for (const auto& row : table) {
-    for (const auto& cell : row) text += "| " + escaped(printable(cell)) + ' ';
+    for (const auto& cell : row) text += "| " + escaped(inspect::printable(cell)) + ' ';
     text += "|\n";
     if (&row != &table.front()) continue;
     for (std::size_t column = 0; column < row.size(); ++column) text += "|---";

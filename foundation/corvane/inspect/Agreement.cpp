@@ -10,6 +10,7 @@
 #include "foundation/corvane/common/serialization/Registry.hpp"
 #include "foundation/corvane/common/uuid/Version.hpp"
 #include "foundation/corvane/inspect/printable.hpp"
+#include "foundation/corvane/inspect/quoted.hpp"
 #include "foundation/json/serialize.hpp"
 
 namespace foundation::corvane::inspect {
@@ -101,7 +102,9 @@ struct Ends {
 
 std::string sentence(const Difference& difference, const Ends& ends) {
   const auto whole = [](const std::string& text) { return detail::quoted(text, std::string_view::npos); };
-  const auto version = [](const std::string& text) { return "version " + detail::printable(text); };
+  const auto version = [](const std::string& text) {
+    return "version " + printable(text, Backslashes::Doubled);
+  };
   switch (difference.kind) {
     case ProtocolOnlyMine:
       return ends.me + " speaks " + version(difference.mine) + ", " + ends.them + " does not speak it";
@@ -204,7 +207,7 @@ std::vector<Difference> difference(const Agreement& mine, const Agreement& their
 
 std::string toText(const std::vector<Difference>& differences, const std::string& me,
                    const std::string& them) {
-  const Ends ends{detail::printable(me), detail::printable(them)};
+  const Ends ends{printable(me, Backslashes::Doubled), printable(them, Backslashes::Doubled)};
   std::string text;
   for (const auto& difference : differences) {
     text += detail::quoted(difference.protocol, std::string_view::npos);

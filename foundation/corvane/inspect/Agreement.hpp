@@ -95,7 +95,7 @@ struct Difference {
 FOUNDATION_EXPORT std::vector<Difference> difference(const Agreement& mine, const Agreement& theirs);
 
 /// A line for each difference, a sentence without a full stop, "mine" called `me` and "theirs" called `them`;
-/// empty for none. Texts come whole, with control characters written as escapes.
+/// empty for none. Texts come whole, and are `printable`.
 /// @throws std::bad_alloc when memory runs out.
 FOUNDATION_EXPORT std::string toText(const std::vector<Difference>& differences,
                                      const std::string& me = "this end",

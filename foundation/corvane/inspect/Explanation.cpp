@@ -9,7 +9,7 @@
 #include "foundation/corvane/inspect/explainFeature.hpp"
 #include "foundation/corvane/inspect/hint.hpp"
 #include "foundation/corvane/inspect/matching.hpp"
-#include "foundation/corvane/inspect/printable.hpp"
+#include "foundation/corvane/inspect/quoted.hpp"
 #include "foundation/corvane/inspect/wording.hpp"
 
 namespace foundation::corvane::inspect {

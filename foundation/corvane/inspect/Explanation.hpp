@@ -115,7 +115,7 @@ struct Explanation {
 /// arrive there as default ones: to have it so, hand in `toConfigs(toJSON(configs))`.
 ///
 /// The sentences name what was found and what to do about it. Texts of a peer in them are cut after 40 bytes,
-/// with control characters written as escapes.
+/// and `printable`.
 /// @throws std::bad_alloc when memory runs out.
 FOUNDATION_EXPORT Explanation
 explain(const std::vector<common::session::MessageProtocolConfig>& configs,
@@ -137,7 +137,7 @@ enum class Colour : std::uint8_t { Off, On };
 /// offered are the versions asked for and installed. A sentence instead if there is nothing.
 ///
 /// Columns are as wide as their texts need, counted in UTF-8 characters, but none is padded beyond 40.
-/// Control characters are written as escapes, so that no peer writes to the terminal. In colour an outcome is
+/// Texts of a peer are `printable`, so that no terminal obeys them. In colour an outcome is
 /// green if it is what was asked for, red if a protocol or something required is lost, else yellow; where
 /// the explanation is void, what would be green is red.
 /// @throws std::bad_alloc when memory runs out.

@@ -3,7 +3,7 @@
 
 #include <utility>
 
-#include "foundation/corvane/inspect/printable.hpp"
+#include "foundation/corvane/inspect/quoted.hpp"
 #include "foundation/corvane/inspect/sentences.hpp"
 
 namespace foundation::corvane::inspect::detail {

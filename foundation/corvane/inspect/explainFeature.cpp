@@ -6,7 +6,7 @@
 
 #include "foundation/corvane/inspect/hint.hpp"
 #include "foundation/corvane/inspect/nearMiss.hpp"
-#include "foundation/corvane/inspect/printable.hpp"
+#include "foundation/corvane/inspect/quoted.hpp"
 #include "foundation/corvane/inspect/wording.hpp"
 
 namespace foundation::corvane::inspect::detail {

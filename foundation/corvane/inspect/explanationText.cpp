@@ -8,6 +8,7 @@
 #include "foundation/corvane/common/session/featureNames.hpp"
 #include "foundation/corvane/common/uuid/Version.hpp"
 #include "foundation/corvane/inspect/printable.hpp"
+#include "foundation/corvane/inspect/quoted.hpp"
 
 namespace foundation::corvane::inspect {
 
@@ -33,7 +34,7 @@ std::string cell(const std::string& text) {
   constexpr std::size_t most = 120;
   if (text.size() > most) return detail::quoted(text, most);
   if (text.empty() || text.front() == ' ' || text.back() == ' ') return detail::quoted(text, text.size());
-  return detail::printable(text);
+  return printable(text, Backslashes::Doubled);
 }
 
 std::string cell(const std::pair<unsigned, unsigned>& version) {

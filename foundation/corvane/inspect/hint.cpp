@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "foundation/corvane/inspect/nearMiss.hpp"
-#include "foundation/corvane/inspect/printable.hpp"
+#include "foundation/corvane/inspect/quoted.hpp"
 
 namespace foundation::corvane::inspect::detail {
 

@@ -1,19 +1,34 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
-// Not installed: texts of a peer in lines for people.
-namespace foundation::corvane::inspect::detail {
+#include "foundation/core/export.hpp"
 
-/// The text with control characters as escapes (`\n`, `\x1b`; `\u0085` for those of two bytes, U+0080 to
-/// U+009F, which terminals obey too) and backslashes doubled; other bytes from 0x80 up stay.
-std::string printable(std::string_view text);
+namespace foundation::corvane::inspect {
 
-/// The same in double quotes, quotes in it escaped, and cut after `most` bytes of the text (three at least),
-/// or up to three earlier to keep a UTF-8 character whole; "..." follows the quotes then.
-std::string quoted(std::string_view text, std::size_t most = 40);
+/// What `printable` does with a backslash.
+enum class Backslashes : std::uint8_t {
+  Kept,     ///< It stays one. A text that is printable already does not change.
+  Doubled,  ///< It becomes two. Different texts then have different results.
+};
 
-}  // namespace foundation::corvane::inspect::detail
+/// `text` for a terminal or a log, whatever its bytes. The result is UTF-8 without control characters, so it
+/// is one line, and no terminal obeys anything in it, not even one that reads single bytes.
+///
+/// | in `text` | in the result |
+/// |---|---|
+/// | line feed, carriage return, tab | `\n`, `\r`, `\t` |
+/// | other control characters up to U+007F | `\x` and two digits: `\x1b` |
+/// | control characters from U+0080 to U+009F | `\u` and four digits: `\u0085` |
+/// | a byte that belongs to no well-formed UTF-8 character | `\x` and two digits: `\xff` |
+/// | a backslash | as `backslashes` says |
+/// | every other character | the character |
+///
+/// An overlong form, a surrogate and a number above U+10FFFF are not well-formed. Linear; any thread.
+/// @throws std::bad_alloc when memory runs out.
+FOUNDATION_EXPORT std::string printable(std::string_view text, Backslashes backslashes = Backslashes::Kept);
+
+}  // namespace foundation::corvane::inspect

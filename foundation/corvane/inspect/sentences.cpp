@@ -2,7 +2,7 @@
 #include "foundation/corvane/inspect/sentences.hpp"
 
 #include "foundation/corvane/inspect/offersDecoder.hpp"
-#include "foundation/corvane/inspect/printable.hpp"
+#include "foundation/corvane/inspect/quoted.hpp"
 
 namespace foundation::corvane::inspect::detail {
 

@@ -628,18 +628,25 @@ TEST(Sentences, QuoteFortyBytesAndNoHalfCharacter) {
   EXPECT_EQ(shortened(38, "\xe2\x82\xac and more"), cut(38));
   EXPECT_EQ(shortened(37, "\xf0\x9f\x98\x80 and more"), cut(37));
   EXPECT_EQ(shortened(36, "\xf0\x9f\x98\x80 and more"), cut(36, "\xf0\x9f\x98\x80"));
-  // no UTF-8: nothing to keep whole
-  EXPECT_EQ(shortened(30, std::string(20, '\xbf')), cut(30, std::string(10, '\xbf')));
-  EXPECT_EQ(shortened(37, std::string(20, '\xbf')), cut(37, std::string(3, '\xbf')));
+  // ill-formed bytes: each is an escape, so there is nothing to keep whole
+  const auto escapes = [](std::size_t count) {
+    std::string text;
+    for (; count > 0; --count) text += "\\xbf";
+    return text;
+  };
+  EXPECT_EQ(shortened(30, std::string(20, '\xbf')), cut(30, escapes(10)));
+  EXPECT_EQ(shortened(37, std::string(20, '\xbf')), cut(37, escapes(3)));
+  // a letter torn by the peer, before which the cut comes
+  EXPECT_EQ(shortened(39, "\xe2\x82 and more"), cut(39));
 }
 
-TEST(Sentences, QuoteControlCharactersAsEscapes) {
+TEST(Sentences, QuoteControlCharactersAndIllFormedBytesAsEscapes) {
   EXPECT_EQ(quotedInSentence(std::string("\0\x1f\x20\x7e\x7f", 5)), R"("\x00\x1f ~\x7f")");
   EXPECT_EQ(quotedInSentence("\n\r\t\"\\"), R"("\n\r\t\"\\")");
   EXPECT_EQ(quotedInSentence("\xc2\x80\xc2\x9f\xc2\xa0"), "\"\\u0080\\u009f\xc2\xa0\"");
   EXPECT_EQ(quotedInSentence("\xc2\x85"), R"("\u0085")");
-  EXPECT_EQ(quotedInSentence("\xc2\x7f\xc2"), "\"\xc2\\x7f\xc2\"");
-  EXPECT_EQ(quotedInSentence("\xc1\x80\xc3\x90"), "\"\xc1\x80\xc3\x90\"");
+  EXPECT_EQ(quotedInSentence("\xc2\x7f\xc2"), R"("\xc2\x7f\xc2")");
+  EXPECT_EQ(quotedInSentence("\xc1\x80\xc3\x90"), "\"\\xc1\\x80\xc3\x90\"");
 }
 
 }  // namespace

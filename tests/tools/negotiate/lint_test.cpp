@@ -146,5 +146,21 @@ TEST(Lint, KeepsALineALineWhateverItReads) {
   EXPECT_THAT(outcome.out, EndsWith("[UnknownMember] /a\\n\\x1b[31m\\x7f\n"));
 }
 
+TEST(Lint, PrintsUtf8WhateverItReads) {
+  const Workspace workspace;
+  const auto file = workspace.write("\x9b.json",
+                                    "{\"protocolConfigs\":[],\"Gr\xc3\xb6\xc3\x9f"
+                                    "e \x80\x9f\xc2\x9b\xe2\x82\":1}");
+
+  const auto outcome = run({"lint", file});
+
+  EXPECT_THAT(outcome.out, HasSubstr("\\x9b.json:1:"));
+  EXPECT_THAT(outcome.out, HasSubstr("\"Gr\xc3\xb6\xc3\x9f"
+                                     "e \\x80\\x9f\\u009b\\xe2\\x82\""));
+  EXPECT_THAT(outcome.out, EndsWith("/Gr\xc3\xb6\xc3\x9f"
+                                    "e \\x80\\x9f\\u009b\\xe2\\x82\n"));
+  EXPECT_THAT(run({"lint", "\xff"}).err, HasSubstr("cannot read \\xff: "));
+}
+
 }  // namespace
 }  // namespace negotiate::tests
