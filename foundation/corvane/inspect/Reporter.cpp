@@ -51,8 +51,10 @@ Reporter::Reporter(std::string_view text, const Fates& fates, const FindingVisit
     : fates_(fates), visit_(visit), places_(text) {}
 
 void Reporter::beginObject(const json::Reader& reader, Members members) {
-  Object object{members, places_.at(reader.offset()), path_.size(), path_.size(), 0, 0, 0, false, false,
-                false};
+  Object object{
+      members, places_.at(reader.offset()), path_.size(), path_.size(), 0, 0, seen_.size(), false, false,
+      false};
+  seen_.resize(seen_.size() + members.size());
   object.lost = fates_.lost[objects_++];
   if (!open_.empty()) {
     const auto& parent = open_.back();
@@ -83,7 +85,7 @@ void Reporter::member(const json::Reader& reader, std::size_t index) {
   const auto name = object.members[index].name;
   appendStep(path_, name);
   object.memberPathSize = path_.size();
-  object.seen |= 1U << index;
+  seen_[object.seen + index] = true;
   const bool replaced = fates_.replaced[members_++];
   if (replaced && isHeard(Effect::Dropped)) {
     report(Rule::RepeatedMember, Effect::Dropped, places_.at(reader.offset()),
@@ -114,7 +116,7 @@ void Reporter::reread(const json::Reader& reader, double /*number*/, unsigned ta
 void Reporter::endObject(const json::Reader& /*reader*/, bool /*whole*/) {
   const auto& object = open_.back();  // whose last member nothing can replace
   for (std::size_t i = 0; i != object.members.size(); ++i) {
-    if ((object.seen & 1U << i) != 0) continue;
+    if (seen_[object.seen + i]) continue;
     const auto& member = object.members[i];
     const auto effect = effectOn(member);
     if (!isHeard(effect)) continue;
@@ -125,6 +127,7 @@ void Reporter::endObject(const json::Reader& /*reader*/, bool /*whole*/) {
                ": " + consequence(effect, object.members, i));
   }
   path_.resize(object.pathSize);
+  seen_.resize(object.seen);
   open_.pop_back();
 }
 

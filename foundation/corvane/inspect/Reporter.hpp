@@ -45,7 +45,7 @@ class Reporter {
     std::size_t memberPathSize;  // of the path to its member
     std::size_t elements;        // of its member that is a list, so far
     std::size_t member;          // the index of its member
-    unsigned seen;               // a bit for each of its members
+    std::size_t seen;            // where its members begin in seen_
     bool lost;                   // it or the record that it belongs to
     bool silent;                 // nobody will ever see what it holds
     bool replaced;               // a later member of the same name takes its member's place
@@ -59,6 +59,7 @@ class Reporter {
   const FindingVisitor& visit_;
   Places places_;
   std::vector<Object> open_;
+  std::vector<bool> seen_;  // of each member of each open object: it is there
   std::string path_;
   std::size_t objects_ = 0;  // so far, an index in fates_.lost
   std::size_t members_ = 0;  // so far, an index in fates_.replaced

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <span>
 #include <vector>
@@ -20,9 +19,26 @@ struct Fates {
 /// An observer of the decoder that goes first.
 class Scout : public common::session::detail::Unobserved {
  public:
-  void beginObject(const json::Reader& reader, std::span<const common::session::detail::Member> members);
-  void member(const json::Reader& reader, std::size_t index);
-  void endObject(const json::Reader& reader, bool whole);
+  void beginObject(const json::Reader& /*reader*/, std::span<const common::session::detail::Member> members) {
+    open_.push_back({fates_.lost.size(), latest_.size()});
+    latest_.resize(latest_.size() + members.size(), none);
+    fates_.lost.push_back(false);
+  }
+
+  void member(const json::Reader& /*reader*/, std::size_t index) {
+    const auto place = open_.back().members + index;
+    if (place == latest_.size()) return;  // a member that nobody reads
+    auto& latest = latest_[place];
+    if (latest != none) fates_.replaced[latest] = true;
+    latest = fates_.replaced.size();
+    fates_.replaced.push_back(false);
+  }
+
+  void endObject(const json::Reader& /*reader*/, bool whole) {
+    fates_.lost[open_.back().index] = !whole;
+    latest_.resize(open_.back().members);
+    open_.pop_back();
+  }
 
   template <class Record>
   void record(std::vector<Record>& records) noexcept {
@@ -33,16 +49,15 @@ class Scout : public common::session::detail::Unobserved {
 
  private:
   static constexpr std::size_t none = static_cast<std::size_t>(-1);
-  static constexpr std::size_t mostMembers = 3;
 
   struct Object {
-    std::size_t index;                            // in fates_.lost
-    std::size_t size;                             // of its members
-    std::array<std::size_t, mostMembers> latest;  // of each member, its index in fates_.replaced
+    std::size_t index;    // in fates_.lost
+    std::size_t members;  // where those of its table begin in latest_
   };
 
   Fates fates_;
   std::vector<Object> open_;
+  std::vector<std::size_t> latest_;  // of each member of each open object, its index in fates_.replaced
 };
 
 }  // namespace foundation::corvane::inspect::detail
