@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "foundation/corvane/inspect/printable.hpp"
-#include "foundation/corvane/inspect/wellFormed.hpp"
+#include "foundation/corvane/inspect/text/wellFormed.hpp"
 #include "foundation/json.hpp"
 #include "readFile.hpp"
 

@@ -8,7 +8,7 @@
 #include "findingText.hpp"
 #include "foundation/corvane/inspect/diagnose.hpp"
 #include "foundation/corvane/inspect/printable.hpp"
-#include "foundation/corvane/inspect/wellFormed.hpp"
+#include "foundation/corvane/inspect/text/wellFormed.hpp"
 #include "foundation/json.hpp"
 
 namespace negotiate {

@@ -10,7 +10,7 @@
 #include "foundation/corvane/common/serialization/Registry.hpp"
 #include "foundation/corvane/common/uuid/Version.hpp"
 #include "foundation/corvane/inspect/printable.hpp"
-#include "foundation/corvane/inspect/quoted.hpp"
+#include "foundation/corvane/inspect/text/quoted.hpp"
 #include "foundation/json/serialize.hpp"
 
 namespace foundation::corvane::inspect {

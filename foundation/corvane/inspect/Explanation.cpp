@@ -5,12 +5,12 @@
 #include <string_view>
 
 #include "foundation/corvane/common/uuid/Version.hpp"
-#include "foundation/corvane/inspect/OfferIndex.hpp"
-#include "foundation/corvane/inspect/explainFeature.hpp"
-#include "foundation/corvane/inspect/hint.hpp"
-#include "foundation/corvane/inspect/matching.hpp"
-#include "foundation/corvane/inspect/quoted.hpp"
-#include "foundation/corvane/inspect/wording.hpp"
+#include "foundation/corvane/inspect/explaining/explainFeature.hpp"
+#include "foundation/corvane/inspect/explaining/hint.hpp"
+#include "foundation/corvane/inspect/matching/match.hpp"
+#include "foundation/corvane/inspect/matching/wording.hpp"
+#include "foundation/corvane/inspect/offers/OfferIndex.hpp"
+#include "foundation/corvane/inspect/text/quoted.hpp"
 
 namespace foundation::corvane::inspect {
 

@@ -7,9 +7,9 @@
 
 #include "foundation/corvane/common/session/featureNames.hpp"
 #include "foundation/corvane/common/uuid/Version.hpp"
-#include "foundation/corvane/inspect/matching.hpp"
-#include "foundation/corvane/inspect/quoted.hpp"
-#include "foundation/corvane/inspect/wording.hpp"
+#include "foundation/corvane/inspect/matching/match.hpp"
+#include "foundation/corvane/inspect/matching/wording.hpp"
+#include "foundation/corvane/inspect/text/quoted.hpp"
 
 namespace foundation::corvane::inspect {
 

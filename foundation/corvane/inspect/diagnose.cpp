@@ -3,10 +3,10 @@
 
 #include <utility>
 
-#include "foundation/corvane/inspect/Reporter.hpp"
-#include "foundation/corvane/inspect/Scout.hpp"
-#include "foundation/corvane/inspect/offersDecoder.hpp"
-#include "foundation/corvane/inspect/sentences.hpp"
+#include "foundation/corvane/inspect/documents/Reporter.hpp"
+#include "foundation/corvane/inspect/documents/Scout.hpp"
+#include "foundation/corvane/inspect/documents/sentences.hpp"
+#include "foundation/corvane/inspect/offers/offersDecoder.hpp"
 
 namespace foundation::corvane::inspect {
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "foundation/corvane/inspect/printable.hpp"
 
-#include "foundation/corvane/inspect/wellFormed.hpp"
+#include "foundation/corvane/inspect/text/wellFormed.hpp"
 
 namespace foundation::corvane::inspect {
 

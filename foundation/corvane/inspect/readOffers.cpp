@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "foundation/corvane/inspect/Offers.hpp"
-#include "foundation/corvane/inspect/offersDecoder.hpp"
+#include "foundation/corvane/inspect/offers/offersDecoder.hpp"
 
 namespace foundation::corvane::inspect {
 

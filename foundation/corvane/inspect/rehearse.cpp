@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "foundation/corvane/common/session/TransportSetup.hpp"
-#include "foundation/corvane/inspect/OfferIndex.hpp"
+#include "foundation/corvane/inspect/offers/OfferIndex.hpp"
 
 namespace foundation::corvane::inspect {
 

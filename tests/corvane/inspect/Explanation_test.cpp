@@ -13,7 +13,7 @@
 #include "foundation/corvane/common/session/TransportSetup.hpp"
 #include "foundation/corvane/inspect/rehearse.hpp"
 #include "foundation/json.hpp"
-#include "tests/corvane/inspect/utf8.hpp"
+#include "tests/corvane/inspect/text/isUtf8.hpp"
 #include "tests/sanitizers.hpp"
 
 namespace foundation::corvane::inspect {

@@ -10,8 +10,8 @@
 
 #include "foundation/corvane/common/session.hpp"
 #include "foundation/corvane/inspect/Offers.hpp"
-#include "tests/corvane/inspect/RandomDocument.hpp"
-#include "tests/corvane/inspect/Tree.hpp"
+#include "tests/corvane/inspect/documents/RandomDocument.hpp"
+#include "tests/corvane/inspect/documents/Tree.hpp"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include "Program.hpp"
 #include "documents.hpp"
 #include "foundation/json.hpp"
-#include "tests/corvane/inspect/utf8.hpp"
+#include "tests/corvane/inspect/text/isUtf8.hpp"
 
 namespace negotiate::tests {
 namespace {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "foundation/corvane/inspect/sentences.hpp"
+#include "foundation/corvane/inspect/documents/sentences.hpp"
 
-#include "foundation/corvane/inspect/offersDecoder.hpp"
-#include "foundation/corvane/inspect/quoted.hpp"
+#include "foundation/corvane/inspect/offers/offersDecoder.hpp"
+#include "foundation/corvane/inspect/text/quoted.hpp"
 
 namespace foundation::corvane::inspect::detail {
 

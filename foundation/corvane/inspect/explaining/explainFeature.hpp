@@ -2,8 +2,8 @@
 #pragma once
 
 #include "foundation/corvane/inspect/Explanation.hpp"
-#include "foundation/corvane/inspect/OfferIndex.hpp"
-#include "foundation/corvane/inspect/matching.hpp"
+#include "foundation/corvane/inspect/matching/match.hpp"
+#include "foundation/corvane/inspect/offers/OfferIndex.hpp"
 
 // Not installed: what became of a request for a feature, and why.
 namespace foundation::corvane::inspect::detail {

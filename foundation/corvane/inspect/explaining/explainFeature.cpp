@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "foundation/corvane/inspect/explainFeature.hpp"
+#include "foundation/corvane/inspect/explaining/explainFeature.hpp"
 
 #include <algorithm>
 #include <string_view>
 
-#include "foundation/corvane/inspect/hint.hpp"
-#include "foundation/corvane/inspect/nearMiss.hpp"
-#include "foundation/corvane/inspect/quoted.hpp"
-#include "foundation/corvane/inspect/wording.hpp"
+#include "foundation/corvane/inspect/explaining/hint.hpp"
+#include "foundation/corvane/inspect/explaining/nearMiss.hpp"
+#include "foundation/corvane/inspect/matching/wording.hpp"
+#include "foundation/corvane/inspect/text/quoted.hpp"
 
 namespace foundation::corvane::inspect::detail {
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "foundation/corvane/inspect/quoted.hpp"
+#include "foundation/corvane/inspect/text/quoted.hpp"
 
 #include "foundation/corvane/inspect/printable.hpp"
-#include "foundation/corvane/inspect/wellFormed.hpp"
+#include "foundation/corvane/inspect/text/wellFormed.hpp"
 
 namespace foundation::corvane::inspect::detail {
 

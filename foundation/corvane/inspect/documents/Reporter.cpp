@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "foundation/corvane/inspect/Reporter.hpp"
+#include "foundation/corvane/inspect/documents/Reporter.hpp"
 
 #include <utility>
 
-#include "foundation/corvane/inspect/quoted.hpp"
-#include "foundation/corvane/inspect/sentences.hpp"
+#include "foundation/corvane/inspect/documents/sentences.hpp"
+#include "foundation/corvane/inspect/text/quoted.hpp"
 
 namespace foundation::corvane::inspect::detail {
 

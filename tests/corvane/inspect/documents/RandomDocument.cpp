@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "tests/corvane/inspect/RandomDocument.hpp"
+#include "tests/corvane/inspect/documents/RandomDocument.hpp"
 
 #include <algorithm>
 #include <array>

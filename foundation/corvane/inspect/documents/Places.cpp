@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "foundation/corvane/inspect/Places.hpp"
+#include "foundation/corvane/inspect/documents/Places.hpp"
 
 namespace foundation::corvane::inspect::detail {
 

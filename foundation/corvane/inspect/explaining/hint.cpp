@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "foundation/corvane/inspect/hint.hpp"
+#include "foundation/corvane/inspect/explaining/hint.hpp"
 
 #include <algorithm>
 
-#include "foundation/corvane/inspect/nearMiss.hpp"
-#include "foundation/corvane/inspect/quoted.hpp"
+#include "foundation/corvane/inspect/explaining/nearMiss.hpp"
+#include "foundation/corvane/inspect/text/quoted.hpp"
 
 namespace foundation::corvane::inspect::detail {
 

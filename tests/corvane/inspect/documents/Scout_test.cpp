@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "foundation/corvane/inspect/Scout.hpp"
+#include "foundation/corvane/inspect/documents/Scout.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "foundation/corvane/inspect/matching.hpp"
+#include "foundation/corvane/inspect/matching/match.hpp"
 
 #include <algorithm>
 #include <tuple>

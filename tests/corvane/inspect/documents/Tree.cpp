@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "tests/corvane/inspect/Tree.hpp"
+#include "tests/corvane/inspect/documents/Tree.hpp"
 
 #include <algorithm>
 #include <variant>

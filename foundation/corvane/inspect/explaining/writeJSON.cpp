@@ -2,7 +2,7 @@
 #include "foundation/corvane/inspect/Explanation.hpp"
 
 #include "foundation/corvane/common/session/featureNames.hpp"
-#include "foundation/corvane/inspect/wellFormed.hpp"
+#include "foundation/corvane/inspect/text/wellFormed.hpp"
 #include "foundation/json/serialize.hpp"
 
 namespace foundation::corvane::inspect {

@@ -9,9 +9,9 @@
 
 #include "foundation/corvane/common/session/documentDecoder.hpp"
 #include "foundation/corvane/inspect/Finding.hpp"
-#include "foundation/corvane/inspect/Places.hpp"
-#include "foundation/corvane/inspect/Scout.hpp"
 #include "foundation/corvane/inspect/diagnose.hpp"
+#include "foundation/corvane/inspect/documents/Places.hpp"
+#include "foundation/corvane/inspect/documents/Scout.hpp"
 
 // Not installed: turns what the decoder does into findings.
 namespace foundation::corvane::inspect::detail {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "foundation/corvane/inspect/wellFormed.hpp"
+#include "foundation/corvane/inspect/text/wellFormed.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "tests/corvane/inspect/utf8.hpp"
+#include "tests/corvane/inspect/text/isUtf8.hpp"
 
 namespace foundation::corvane::inspect::detail {
 namespace {

@@ -8,7 +8,7 @@
 #include "foundation/corvane/common/session/featureNames.hpp"
 #include "foundation/corvane/common/uuid/Version.hpp"
 #include "foundation/corvane/inspect/printable.hpp"
-#include "foundation/corvane/inspect/quoted.hpp"
+#include "foundation/corvane/inspect/text/quoted.hpp"
 
 namespace foundation::corvane::inspect {
 

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "foundation/corvane/common/session/featureNames.hpp"
-#include "foundation/corvane/inspect/matching.hpp"
+#include "foundation/corvane/inspect/matching/match.hpp"
 
 // Not installed: words that explanations and judgements share.
 namespace foundation::corvane::inspect::detail {
