@@ -156,18 +156,6 @@ void free(void* memory) noexcept {
 }
 #endif
 
-extern "C" {
-
-// The two that oneTBB's allocator for containers comes to.
-void* scalable_malloc(std::size_t size) noexcept {
-  return allocate(size);
-}
-
-void scalable_free(void* memory) noexcept {
-  release(memory);
-}
-}
-
 // All forms: a sanitizer's own ones would not come here.
 void* operator new(std::size_t size) {
   return orThrow(allocate(size));

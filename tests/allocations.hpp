@@ -5,8 +5,7 @@
 #include <new>
 
 /// Watches and fails the allocations of a test program with one thread: every form of operator new and
-/// delete, the malloc family and oneTBB's entry points, called from the program or from any library that it
-/// links.
+/// delete and the malloc family, called from the program or from any library that it links.
 namespace allocations {
 
 /// How many there have been so far.

@@ -5,10 +5,10 @@
 #endif
 
 #include <tbb/concurrent_unordered_set.h>
-#include <tbb/scalable_allocator.h>
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 
 #include "benchmarks/measure.hpp"
@@ -20,7 +20,7 @@ namespace {
 
 using foundation::corvane::common::logging::FastLog;
 using Texts = tbb::concurrent_unordered_set<std::string, std::hash<std::string>, std::equal_to<std::string>,
-                                            tbb::scalable_allocator<std::string>>;
+                                            std::allocator<std::string>>;
 
 std::string textNumber(std::int64_t i) {
   return "a text that is saved ahead of time, number " + std::to_string(i);

@@ -20,7 +20,7 @@ class CorvaneCommon(ConanFile):
     package_type = "library"
     settings = "os", "arch", "compiler", "build_type"
     options = {"shared": [True, False]}
-    default_options = {"shared": True, "onetbb/*:tbbmalloc": True}
+    default_options = {"shared": True}
 
     def set_version(self):
         project = load(self, os.path.join(self.recipe_folder, "..", "..", "CMakeLists.txt"))

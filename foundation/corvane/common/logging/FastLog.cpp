@@ -16,12 +16,16 @@
 
 #include "foundation/corvane/common/logging/LogAccess.hpp"
 #include "foundation/corvane/common/logging/RecordLine.hpp"
-#include "foundation/corvane/common/logging/textAllocator.hpp"
 
 namespace foundation::corvane::common::logging {
 
+// std::allocator instead of the set's default, oneTBB's scalable one: that one has locks, and a lock that another
+// thread holds during a fork is taken for ever in the child. The C library frees the locks of its own allocator in the
+// child. The set itself has no lock and never waits.
 struct FastLog::SavedTexts {
-  tbb::concurrent_unordered_set<std::string, std::hash<std::string>, std::equal_to<>, TextAllocator> set;
+  tbb::concurrent_unordered_set<std::string, std::hash<std::string>, std::equal_to<>,
+                                std::allocator<std::string>>
+      set;
 };
 
 FastLog::FastLog() : ring_{}, savedTexts_(new SavedTexts) {}
