@@ -91,9 +91,9 @@ class ProcessLog:
             "PQQQQQ", descriptor + 24
         )
         logger = memory.pointer(logger_at)
-        if logger == 0:
-            raise LogError("the process has no log: FastLogger::instance() was not called, or the logger is gone")
-        log = memory.pointer(logger + current_offset)
+        log = memory.pointer(logger + current_offset) if logger else 0
+        if log == 0:
+            raise LogError("the process has no log: FastLogger::instance() was not called, or the logger has ended")
         self.recorded = memory.unpack("Q", log + count_offset)[0]
         ring = memory.bytes(log + ring_offset, record_count * record_size)
 

@@ -11,15 +11,15 @@
 
 namespace foundation::corvane::common::logging {
 
-/// Owns the log that events are recorded into, and replaces it by a fresh one whenever somebody takes a
-/// snapshot.
+/// Owns the log into which events are recorded, and replaces it by an empty one at each snapshot.
 ///
-///     const auto logger = FastLogger::instance();  // once: hold it, for each call counts a reference
+///     const auto logger = FastLogger::instance();  // once: hold it, because each call counts a reference
 ///     logger->log("send", "ExchangeDomain", nullptr, logger->save(name));
 ///     ...
 ///     std::cout << *logger->snapshot();
 ///
-/// Threads: any thread may call anything at any time, without a lock, but for the destructor.
+/// Threads: any thread may call anything at any time, except the destructor. Nothing here waits for another
+/// thread, so everything works in the child of a fork, too, whatever the parent's threads were doing.
 class FOUNDATION_EXPORT FastLogger {
  public:
   /// A logger with an empty log.
@@ -31,8 +31,15 @@ class FOUNDATION_EXPORT FastLogger {
   /// Destroys the current log; no other thread may use the logger any more.
   ~FastLogger();
 
-  /// The logger of this process, made at the first call. The process lets go of it with its statics, at exit;
-  /// who holds a copy keeps it alive.
+  /// The logger of this process; never null. The first call makes it. Every call works, from the first static
+  /// initialiser to the last exit handler, and in threads that still run then.
+  ///
+  /// The process holds one reference to the logger, and drops it when the library's static objects are
+  /// destroyed. The logger ends when nobody holds it any more. From then on `instance()` returns a logger
+  /// without a log, and so does a first call that comes after the static objects:
+  /// - `log` does nothing;
+  /// - `save(s)` returns `s.c_str()`, which is valid only as long as `s`;
+  /// - `snapshot` returns an empty log.
   /// @throws std::bad_alloc when memory runs out; the next call tries again.
   static std::shared_ptr<FastLogger> instance();
 
@@ -41,6 +48,7 @@ class FOUNDATION_EXPORT FastLogger {
 
   /// `FastLog::save` in the current log, and so good for records of that log only: after a snapshot the text
   /// lives as long as the snapshot, and has to be saved anew for the next log.
+  /// Without a log: returns `s.c_str()`, see `instance()`.
   /// @throws std::bad_alloc when memory runs out.
   const char* save(const std::string& s);
 
@@ -51,13 +59,21 @@ class FOUNDATION_EXPORT FastLogger {
   /// yields give it time, and are no promise. Its event goes wholly into one of the two logs. While the thread is
   /// still inside, the snapshot may show that event half written. Hold the snapshot until every thread that may
   /// have been inside has left, and as long as texts saved in it are in use.
+  ///
+  /// Without a log, see `instance()`: returns an empty log and changes nothing.
   /// @throws std::bad_alloc when memory runs out; nothing has been taken.
   std::shared_ptr<FastLog> snapshot();
 
  private:
   friend struct LogAccess;
 
-  static std::shared_ptr<FastLogger> globalLogger_;
+  class ProcessLogger;
+  class ProcessReference;
+
+  // The process's own reference to the logger of `instance()`.
+  static ProcessReference globalLogger_;
+
+  explicit FastLogger(std::nullptr_t) noexcept : current_(nullptr) {}  // without a log
 
   // No code outside the library knows what follows: its size and alignment alone are fixed.
   static constexpr std::size_t cacheLine = 64;

@@ -11,7 +11,7 @@
 
 namespace foundation::corvane::common::logging {
 
-constinit std::atomic<const FastLogger*> processLogger{nullptr};
+constinit std::atomic<FastLogger*> processLogger{nullptr};
 
 namespace {
 
@@ -23,7 +23,7 @@ struct Descriptor {
   std::array<char, 16> magic;
   std::uint32_t version;
   std::uint32_t size;  // of this structure, in bytes
-  const std::atomic<const FastLogger*>* logger;
+  const std::atomic<FastLogger*>* logger;
   std::uint64_t currentOffset;  // in a logger, of the pointer to its log
   std::uint64_t countOffset;    // in a log, of the 64-bit number of events
   std::uint64_t ringOffset;     // in a log, of the first record
