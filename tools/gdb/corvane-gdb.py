@@ -67,7 +67,7 @@ class ProcessLog:
     """The events of the process's log, oldest first."""
 
     MAGIC = b"corvane.fastlog\0"
-    VERSION = 1
+    VERSION = 2
 
     def __init__(self):
         self._memory = Memory()
@@ -87,9 +87,10 @@ class ProcessLog:
             raise LogError("the descriptor of the log is damaged, or not relocated yet: has the process started?")
         if version != self.VERSION:
             raise LogError("the log is of version %d, and this script knows %d" % (version, self.VERSION))
-        logger_at, current_offset, count_offset, ring_offset, record_count, record_size = memory.unpack(
-            "PQQQQQ", descriptor + 24
-        )
+        (pointer_size, current_offset, count_offset, ring_offset, record_count, record_size, text_count,
+         written_text) = memory.unpack("8I", descriptor + 24)
+        logger_at = memory.pointer(descriptor + 56)
+        self._widths = memory.unpack("%dI" % text_count, descriptor + 56 + pointer_size)
         logger = memory.pointer(logger_at)
         log = memory.pointer(logger + current_offset) if logger else 0
         if log == 0:
@@ -102,8 +103,8 @@ class ProcessLog:
         oldest = max(self.recorded - record_count, 0)
         for event in range(oldest, oldest + record_count):
             slot = event % record_count
-            pointers = struct.unpack_from("4P", ring, slot * record_size)
-            if pointers[1] == 0:
+            pointers = struct.unpack_from("%dP" % text_count, ring, slot * record_size)
+            if pointers[written_text] == 0:
                 continue
             for pointer in pointers:
                 if pointer and pointer not in texts:
@@ -114,7 +115,7 @@ class ProcessLog:
         yield "Log size = %d" % len(self.events)
         for number, (slot, texts) in enumerate(self.events):
             columns = []
-            for text, width in zip(texts, (15, 25, 10, 20)):
+            for text, width in zip(texts, self._widths):
                 shown = "<null>" if text is NULL else "<unreadable>" if text is None else printable(text)
                 columns.append(shown.ljust(width) + " ")
             yield "%4d  (%d): %s" % (number, slot, "".join(columns))

@@ -14,8 +14,8 @@
 #include <ostream>
 #include <string_view>
 
+#include "foundation/corvane/common/logging/EventLine.hpp"
 #include "foundation/corvane/common/logging/LogAccess.hpp"
-#include "foundation/corvane/common/logging/RecordLine.hpp"
 
 namespace foundation::corvane::common::logging {
 
@@ -28,12 +28,34 @@ struct FastLog::SavedTexts {
       set;
 };
 
+namespace {
+
+/// Writes to a stream by its inserters, which follow its locale, flags and fill character.
+class StreamSink {
+ public:
+  explicit StreamSink(std::ostream& os) noexcept : os_(os) {}
+
+  void number(std::uint64_t value, std::uint32_t width) {
+    os_ << std::right << std::setw(static_cast<int>(width)) << value;
+  }
+  void put(std::string_view text) { os_ << text; }
+  void column(const char* text, std::uint32_t width) {
+    os_ << std::left << std::setw(static_cast<int>(width)) << (text == nullptr ? EventLine::null : text);
+  }
+  void endLine() { os_ << std::setw(0) << std::endl; }
+
+ private:
+  std::ostream& os_;
+};
+
+}  // namespace
+
 FastLog::FastLog() : ring_{}, savedTexts_(new SavedTexts) {}
 
 FastLog::~FastLog() = default;
 
 void FastLog::log(const char* text1, const char* text2, const char* text3, const char* text4) noexcept {
-  LogAccess::record(*this, text1, text2, text3, text4);
+  LogAccess::record(*this, {text1, text2, text3, text4});
 }
 
 const char* FastLog::save(const std::string& s) {
@@ -44,9 +66,8 @@ const char* FastLog::save(const std::string& s) {
 }
 
 void FastLog::print(std::ostream& os) const {
-  const auto isWritten = [](const Record& record) { return loadRecord(record).text2 != nullptr; };
-  const auto written = static_cast<std::uint64_t>(std::count_if(ring_.begin(), ring_.end(), isWritten));
-  os << "Log size = " << written << std::endl;
+  const auto written = std::count_if(ring_.begin(), ring_.end(), LogAccess::isWritten);
+  os << EventLine::logSize << static_cast<std::uint64_t>(written) << std::endl;
 
   // deliberate: the count itself and not its slot, so that a full ring is printed in the order of its slots.
   const auto count = count_.load();
@@ -57,28 +78,17 @@ void FastLog::print(std::ostream& os) const {
 std::uint64_t FastLog::privatePrintBufferBlock(std::ostream& os, std::uint64_t firstNumber,
                                                std::uint64_t from, std::uint64_t to) const {
   auto number = firstNumber;
-  const bool linesWhole = takesLinesWhole(os);
-  RecordLine line(linesWhole ? os.fill() : ' ');
   for (auto slot = from; slot < to; ++slot) {
-    const auto record = loadRecord(ring_[slot]);
-    if (record.text2 == nullptr) continue;
-    const auto text = linesWhole ? line.of(number, slot, record) : std::string_view();
-    if (text.empty()) {
-      privatePrintRecord(os, number, slot, record);
-    } else {
-      os << std::left << text << std::endl;
-    }
-    ++number;
+    const auto record = LogAccess::load(ring_[slot]);
+    if (record.text2 != nullptr) privatePrintRecord(os, number++, slot, record);
   }
   return number;
 }
 
 void FastLog::privatePrintRecord(std::ostream& os, std::uint64_t number, std::uint64_t slot,
                                  const Record& r) {
-  const auto orNull = [](const char* text) { return text == nullptr ? "<null>" : text; };
-  os << std::right << std::setw(4) << number << "  (" << slot << "): " << std::left << std::setw(15)
-     << r.text1 << " " << std::setw(25) << r.text2 << " " << std::setw(10) << orNull(r.text3) << " "
-     << std::setw(20) << orNull(r.text4) << " " << std::setw(0) << std::endl;
+  StreamSink sink(os);
+  EventLine::write(sink, number, slot, r);
 }
 
 std::ostream& operator<<(std::ostream& os, const FastLog& log) {

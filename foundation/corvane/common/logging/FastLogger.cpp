@@ -86,7 +86,7 @@ std::shared_ptr<FastLogger> FastLogger::instance() {
 
 void FastLogger::log(const char* text1, const char* text2, const char* text3, const char* text4) noexcept {
   auto* const log = current_.load(std::memory_order_acquire);
-  if (log != nullptr) LogAccess::record(*log, text1, text2, text3, text4);
+  if (log != nullptr) LogAccess::record(*log, {text1, text2, text3, text4});
 }
 
 const char* FastLogger::save(const std::string& s) {

@@ -11,6 +11,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "foundation/corvane/common/logging/EventLine.hpp"
 #include "foundation/corvane/common/logging/LogAccess.hpp"
 #include "foundation/corvane/common/logging/MemoryReader.hpp"
 #include "foundation/corvane/common/logging/processLogger.hpp"
@@ -72,8 +73,8 @@ class Printer {
   void print(const FastLog& log) noexcept {
     const auto& ring = LogAccess::ring(log);
     std::uint64_t written = 0;
-    for (const auto& slot : ring) written += loadRecord(slot).text2 != nullptr ? 1U : 0U;
-    out_.put("Log size = ");
+    for (const auto& slot : ring) written += LogAccess::load(slot).text2 != nullptr ? 1U : 0U;
+    out_.put(EventLine::logSize);
     out_.number(written, 0);
     out_.put('\n');
 
@@ -82,38 +83,29 @@ class Printer {
     std::uint64_t number = 0;
     for (auto event = oldest; event < oldest + FastLog::logSize && !out_.broken(); ++event) {
       const auto slot = event % FastLog::logSize;
-      const auto record = loadRecord(ring[slot]);
-      if (record.text2 != nullptr) line(number++, slot, record);
+      const auto record = LogAccess::load(ring[slot]);
+      if (record.text2 != nullptr) EventLine::write(*this, number++, slot, record);
     }
     out_.flush();
   }
 
- private:
-  void line(std::uint64_t number, std::uint64_t slot, const FastLog::Record& record) noexcept {
-    out_.number(number, 4);
-    out_.put("  (");
-    out_.number(slot, 0);
-    out_.put("): ");
-    column(record.text1, 15);
-    column(record.text2, 25);
-    column(record.text3, 10);
-    column(record.text4, 20);
-    out_.put('\n');
-  }
-
-  void column(const char* text, std::size_t width) noexcept {
+  // What EventLine::write needs.
+  void number(std::uint64_t value, std::uint32_t width) noexcept { out_.number(value, width); }
+  void put(std::string_view text) noexcept { out_.put(text); }
+  void endLine() noexcept { out_.put('\n'); }
+  void column(const char* text, std::uint32_t width) noexcept {
     std::size_t length = 0;
     if (text == nullptr) {
-      length = putWord("<null>");
+      length = putWord(EventLine::null);
     } else if (measure(text, length)) {
       each(text, [this](std::string_view piece) { out_.put(piece); });
     } else {
       length = putWord("<unreadable>");
     }
     if (length < width) out_.fill(width - length);
-    out_.put(' ');
   }
 
+ private:
   std::size_t putWord(std::string_view word) noexcept {
     out_.put(word);
     return word.size();
