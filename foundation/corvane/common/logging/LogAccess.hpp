@@ -47,10 +47,6 @@ struct LogAccess {
     return copy;
   }
 
-  static const auto& ring(const FastLog& log) noexcept { return log.ring_; }
-  static std::uint64_t count(const FastLog& log) noexcept { return log.count_.load(); }
-  static const FastLog* current(const FastLogger& logger) noexcept { return logger.current_.load(); }
-
  private:
   // The columns are template arguments, so that the compiler knows each offset and leaves nothing but the stores.
   template <std::size_t... columns>

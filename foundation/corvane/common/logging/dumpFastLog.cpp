@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "foundation/corvane/common/logging/dumpFastLog.hpp"
 
+#include <pthread.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <charconv>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <string_view>
@@ -63,28 +65,62 @@ class Output {
   int fd_;
   bool broken_ = false;  // takes no more
   std::size_t size_ = 0;
-  std::array<char, 1024> buffer_{};
+  std::array<char, 512> buffer_{};
+};
+
+/// A log that its owner may free at any moment. Its memory is copied by the kernel and never accessed here: what was
+/// freed reads as events with unreadable texts, or as no event.
+class SharedLog {
+ public:
+  static constexpr std::uint64_t blockSize = 8;
+
+  SharedLog(MemoryReader& reader, std::uintptr_t log) noexcept : reader_(reader), log_(log) {}
+
+  bool readCount(std::uint64_t& count) noexcept {
+    return reader_.readShared(log_ + LogAccess::countOffset, count);
+  }
+
+  /// Which of the `blockSize` slots from `first` on are written: a bit for each, the lowest one for `first`.
+  std::uint32_t written(std::uint64_t first) noexcept {
+    std::array<FastLog::Record, blockSize> records;  // NOLINT: filled before it is read
+    std::uint32_t bits = 0;
+    if (!reader_.readShared(addressOf(first), records)) return bits;
+    for (std::size_t i = 0; i < blockSize; ++i) bits |= (records[i].text2 != nullptr ? 1U : 0U) << i;
+    return bits;
+  }
+
+  /// The record of a slot that is written. The kernel copies the texts of one record in any order. It begins after
+  /// `written` saw a text2, so a text1 is there, too.
+  bool read(std::uint64_t slot, FastLog::Record& record) noexcept {
+    return reader_.readShared(addressOf(slot), record);
+  }
+
+ private:
+  std::uintptr_t addressOf(std::uint64_t slot) const noexcept {
+    return log_ + LogAccess::ringOffset + static_cast<std::uintptr_t>(slot) * sizeof(FastLog::Record);
+  }
+
+  MemoryReader& reader_;
+  const std::uintptr_t log_;
 };
 
 class Printer {
  public:
   explicit Printer(int fd) noexcept : out_(fd) {}
 
-  void print(const FastLog& log) noexcept {
-    const auto& ring = LogAccess::ring(log);
-    std::uint64_t written = 0;
-    for (const auto& slot : ring) written += LogAccess::load(slot).text2 != nullptr ? 1U : 0U;
+  void print(const FastLogger* logger) noexcept {
+    const auto current = reinterpret_cast<std::uintptr_t>(logger) + LogAccess::currentOffset;
+    std::uintptr_t log = 0;
+    const bool isRead = reader_.readShared(current, log);
+    if (isRead && log == 0) return;  // the logger is being destroyed
+    SharedLog shared(reader_, log);
+    std::uint64_t count = 0;
     out_.put(EventLine::logSize);
-    out_.number(written, 0);
-    out_.put('\n');
-
-    const auto count = LogAccess::count(log);
-    const auto oldest = count > FastLog::logSize ? count - FastLog::logSize : 0;
-    std::uint64_t number = 0;
-    for (auto event = oldest; event < oldest + FastLog::logSize && !out_.broken(); ++event) {
-      const auto slot = event % FastLog::logSize;
-      const auto record = LogAccess::load(ring[slot]);
-      if (record.text2 != nullptr) EventLine::write(*this, number++, slot, record);
+    if (isRead && shared.readCount(count)) {
+      print(shared, count);
+    } else {
+      out_.put(unreadable);
+      out_.put('\n');
     }
     out_.flush();
   }
@@ -100,12 +136,37 @@ class Printer {
     } else if (measure(text, length)) {
       each(text, [this](std::string_view piece) { out_.put(piece); });
     } else {
-      length = putWord("<unreadable>");
+      length = putWord(unreadable);
     }
     if (length < width) out_.fill(width - length);
   }
 
  private:
+  void print(SharedLog& log, std::uint64_t count) noexcept {
+    constexpr auto block = SharedLog::blockSize;
+    std::uint64_t size = 0;
+    for (std::uint64_t slot = 0; slot < FastLog::logSize; slot += block) {
+      // No std::popcount: it may be a call of a function that the compiler's library has.
+      for (auto bits = log.written(slot); bits != 0; bits &= bits - 1) ++size;
+    }
+    out_.number(size, 0);
+    out_.put('\n');
+
+    const auto oldest = count > FastLog::logSize ? count - FastLog::logSize : 0;
+    std::uint64_t number = 0;
+    std::uint32_t written = 0;
+    for (auto event = oldest; event < oldest + FastLog::logSize && !out_.broken(); ++event) {
+      const auto slot = event % FastLog::logSize;
+      if (event == oldest || slot % block == 0) written = log.written(slot - slot % block);
+      FastLog::Record record{};
+      if ((written >> slot % block & 1U) != 0 && log.read(slot, record)) {
+        EventLine::write(*this, number++, slot, record);
+      }
+    }
+  }
+
+  static constexpr std::string_view unreadable = "<unreadable>";
+
   std::size_t putWord(std::string_view word) noexcept {
     out_.put(word);
     return word.size();
@@ -115,19 +176,18 @@ class Printer {
     return each(text, [&](std::string_view piece) { length += piece.size(); });
   }
 
-  // Hands out the text piece by piece, up to its NUL; false if it cannot be read to its end. Pieces do not
-  // cross the boundaries of pages, so that one which can be read in part can be read in all.
+  // Hands out the text piece by piece, up to its NUL; false if it cannot be read to its end. Pieces do not cross the
+  // boundaries of pages, so that one which can be read in part can be read in all.
   template <class Use>
   bool each(const char* text, const Use& use) noexcept {
     constexpr std::size_t longest = 1U << 20U;
-    std::array<char, 512> piece;  // NOLINT: filled before it is read
     for (std::size_t done = 0; done < longest;) {
-      const auto position = reinterpret_cast<std::uintptr_t>(text + done);
-      const auto size = std::min(piece.size() - position % piece.size(), longest - done);
-      if (!reader_.read(text + done, piece.data(), size)) return false;
-      const auto* const end = static_cast<const char*>(std::memchr(piece.data(), '\0', size));
-      use(std::string_view(piece.data(),
-                           end == nullptr ? size : static_cast<std::size_t>(end - piece.data())));
+      const auto position = reinterpret_cast<std::uintptr_t>(text) + done;
+      const auto size = std::min(piece_.size() - position % piece_.size(), longest - done);
+      if (!reader_.read(position, piece_.data(), size)) return false;
+      const auto* const end = static_cast<const char*>(std::memchr(piece_.data(), '\0', size));
+      use(std::string_view(piece_.data(),
+                           end == nullptr ? size : static_cast<std::size_t>(end - piece_.data())));
       if (end != nullptr) return true;
       done += size;
     }
@@ -136,16 +196,26 @@ class Printer {
 
   Output out_;
   MemoryReader reader_;
+  // One for all texts, because every array here counts against the stack that the header promises.
+  std::array<char, 512> piece_{};
 };
 
 }  // namespace
 
+// Not pthread_setcancelstate by its own declaration, which lets it throw: the second call unwinds a thread that was
+// cancelled asynchronously in the meantime. If dumpFastLog, which is noexcept, were compiled to watch for exceptions,
+// it would end the process then.
+extern "C" int setCancelState(int state, int* before) noexcept __asm__("pthread_setcancelstate");
+
 void dumpFastLog(int fd) noexcept {
-  const int savedErrno = errno;
   const auto* const logger = processLogger.load();
-  const auto* const log = logger == nullptr ? nullptr : LogAccess::current(*logger);
-  if (log != nullptr) Printer(fd).print(*log);
+  if (logger == nullptr) return;
+  int state = PTHREAD_CANCEL_ENABLE;
+  setCancelState(PTHREAD_CANCEL_DISABLE, &state);  // write, read and close are cancellation points
+  const int savedErrno = errno;
+  Printer(fd).print(logger);
   errno = savedErrno;
+  setCancelState(state, nullptr);
 }
 
 }  // namespace foundation::corvane::common::logging

@@ -15,13 +15,21 @@ namespace foundation::corvane::common::logging {
 ///       std::raise(signal);
 ///     }
 ///
-/// Made for signal handlers: it allocates nothing, takes no lock, uses no stream, needs less than 4 KiB of
-/// stack, and leaves `errno` alone. While other threads log, a line may show an event that is half old and
-/// half new.
+/// Made for signal handlers: it allocates nothing, takes no lock, uses no stream, needs at most 2.5 KiB of stack
+/// (more with a sanitizer), and leaves `errno` alone. It is no cancellation point: a thread that is cancelled
+/// meanwhile ends after the call. While other threads log, a line may show an event that is half old and half new.
 ///
-/// A text whose memory is gone is printed as "<unreadable>", and so is one of a mebibyte or more. Texts are
-/// read with the help of the kernel (process_vm_readv, or a pipe where that is forbidden); where it helps
-/// with neither, every text is unreadable.
+/// The log and its texts are read with the help of the kernel (process_vm_readv, or a pipe if that is forbidden). So
+/// it survives it if their memory is freed meanwhile, for example because an owner drops a snapshot early:
+///
+/// | what cannot be read             | what is printed                       |
+/// |---------------------------------|---------------------------------------|
+/// | a text                          | "<unreadable>"                        |
+/// | a text of a mebibyte or more    | "<unreadable>"                        |
+/// | an event                        | nothing                               |
+/// | the log                         | "Log size = <unreadable>", no events  |
+///
+/// If the memory of a log is in use for something else by then, the lines show what is there.
 ///
 /// Does nothing before the first `FastLogger::instance()` and after that logger has been destroyed; stops
 /// where `fd` takes no more, which for one that does not block is wherever it would have to. A pipe that
