@@ -112,7 +112,7 @@ class Printer {
     const auto current = reinterpret_cast<std::uintptr_t>(logger) + LogAccess::currentOffset;
     std::uintptr_t log = 0;
     const bool isRead = reader_.readShared(current, log);
-    if (isRead && log == 0) return;  // the logger is being destroyed
+    if (isRead && log == 0) return;  // the logger's log has ended
     SharedLog shared(reader_, log);
     std::uint64_t count = 0;
     out_.put(EventLine::logSize);

@@ -31,9 +31,9 @@ namespace foundation::corvane::common::logging {
 ///
 /// If the memory of a log is in use for something else by then, the lines show what is there.
 ///
-/// Does nothing before the first `FastLogger::instance()` and after that logger has been destroyed; stops
-/// where `fd` takes no more, which for one that does not block is wherever it would have to. A pipe that
-/// nobody reads sends SIGPIPE, as for any write.
+/// Does nothing before the first `FastLogger::instance()` and after the end of the process's log. Stops if `fd`
+/// takes no more; a descriptor that does not block takes no more as soon as it would have to. A pipe that nobody
+/// reads sends SIGPIPE, as for any write.
 FOUNDATION_EXPORT void dumpFastLog(int fd) noexcept;
 
 }  // namespace foundation::corvane::common::logging
