@@ -109,6 +109,7 @@ TEST(SessionNamesWithoutMemory, AreGivenOrNot) {
   exhaust({"session::toString(LaunchConnectPolicy)"},
           [] { return toString(LaunchConnectPolicy::undefinedLaunchConnectPolicy); });
   exhaust({"session::toLaunchConnectPolicy"}, [] { return toLaunchConnectPolicy("clientStarts"); });
+  exhaust({"session::toString(FeatureHandling)"}, [] { return toString(FeatureHandling::preferred); });
   exhaust({"session::toString(FeatureStatus)"},
           [] { return toString(FeatureStatus::invalid_value_warning); });
   exhaust({"session::toFeatureStatus"}, [&] { return toFeatureStatus(status); });

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "foundation/corvane/common/serialization/Registry.hpp"
+#include "foundation/corvane/common/session/documentWriter.hpp"
 #include "foundation/corvane/common/uuid/Version.hpp"
 #include "foundation/corvane/inspect/printable.hpp"
 #include "foundation/corvane/inspect/text/quoted.hpp"
@@ -42,11 +43,9 @@ void appendJson(std::string& out, const AgreedProtocol& protocol) {
   appendJson(out, protocol.configuration);
   out += R"(,"name":)";
   json::appendQuoted(out, protocol.name);
-  out += R"(,"version":{"major":)";
-  out += std::to_string(protocol.version.first);
-  out += R"(,"minor":)";
-  out += std::to_string(protocol.version.second);
-  out += "}}";
+  out += R"(,"version":)";
+  common::session::detail::appendObject<common::session::detail::VersionTable>(out, protocol.version);
+  out += '}';
 }
 
 // Hands out two sorted lists together, in one order: an element of one list with the element of the other

@@ -5,7 +5,6 @@
 #include <string_view>
 #include <utility>
 
-#include "foundation/corvane/common/session/featureNames.hpp"
 #include "foundation/corvane/common/uuid/Version.hpp"
 #include "foundation/corvane/inspect/matching/match.hpp"
 #include "foundation/corvane/inspect/matching/wording.hpp"
@@ -33,18 +32,16 @@ std::string failure(const FeatureMatch& match) {
   if (match.first == nullptr) return "not answered";
   using enum FeatureStatus;
   switch (match.first->status) {
-    case undefined:
-    case success:
-    case invalid_handling:
-      break;
     case unsupported_error:
     case unsupported_warning:
       return "not offered";
     case invalid_value_error:
     case invalid_value_warning:
       return "offered only with other values";
+    default:
+      break;
   }
-  return std::string("answered with ") + common::session::detail::nameOf(match.first->status);
+  return "answered with " + toString(match.first->status);
 }
 
 // How a protocol was lost.

@@ -2,46 +2,11 @@
 #include "foundation/corvane/inspect/Offers.hpp"
 
 #include "foundation/corvane/common/serialization/ProtocolRegistry.hpp"
-#include "foundation/corvane/common/session/featureNames.hpp"
-#include "foundation/json/serialize.hpp"
+#include "foundation/corvane/common/session/documentDecoder.hpp"
+#include "foundation/corvane/common/session/documentWriter.hpp"
+#include "foundation/corvane/inspect/offers/offersTables.hpp"
 
 namespace foundation::corvane::inspect {
-
-namespace {
-
-void appendJson(std::string& out, const common::session::FeatureRequest& feature) {
-  out += R"({"handling":")";
-  out += common::session::detail::nameOf(feature.handling);
-  out += R"(","name":)";
-  json::appendQuoted(out, feature.name);
-  out += R"(,"value":)";
-  json::appendQuoted(out, feature.value);
-  out += '}';
-}
-
-void appendJson(std::string& out, const ProtocolOffer& offer);
-
-template <class Element>
-void appendArray(std::string& out, const std::vector<Element>& elements) {
-  out += '[';
-  bool first = true;
-  for (const auto& element : elements) {
-    if (!first) out += ',';
-    first = false;
-    appendJson(out, element);
-  }
-  out += ']';
-}
-
-void appendJson(std::string& out, const ProtocolOffer& offer) {
-  out += R"({"features":)";
-  appendArray(out, offer.features);
-  out += R"(,"name":)";
-  json::appendQuoted(out, offer.name);
-  out += '}';
-}
-
-}  // namespace
 
 Offers offersOf(const common::serialization::ProtocolRegistry& registry) {
   Offers offers{registry.softwareName(), registry.softwareVersion(), {}};
@@ -52,14 +17,11 @@ Offers offersOf(const common::serialization::ProtocolRegistry& registry) {
 }
 
 std::string toJSON(const Offers& offers) {
-  std::string out = R"({"protocolOffers":)";
-  appendArray(out, offers.protocols);
-  out += R"(,"software":{"name":)";
-  json::appendQuoted(out, offers.softwareName);
-  out += R"(,"version":)";
-  json::appendQuoted(out, offers.softwareVersion);
-  out += "}}";
-  return out;
+  return common::session::detail::textOf<detail::OffersTable>(offers);
+}
+
+Offers toOffers(std::string_view text) {
+  return common::session::detail::recordOf<detail::OffersTable, Offers>(text);
 }
 
 }  // namespace foundation::corvane::inspect

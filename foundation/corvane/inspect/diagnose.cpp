@@ -6,7 +6,7 @@
 #include "foundation/corvane/inspect/documents/Reporter.hpp"
 #include "foundation/corvane/inspect/documents/Scout.hpp"
 #include "foundation/corvane/inspect/documents/sentences.hpp"
-#include "foundation/corvane/inspect/offers/offersDecoder.hpp"
+#include "foundation/corvane/inspect/offers/offersTables.hpp"
 
 namespace foundation::corvane::inspect {
 
@@ -52,17 +52,18 @@ void read(Document document, std::string_view text, Observer& observer) {
   switch (document) {
     case Document::ProtocolConfigs: {
       std::vector<common::session::MessageProtocolConfig> configs;
-      common::session::detail::readDocument(reader, observer, configs);
+      common::session::detail::readRecord<common::session::detail::ConfigsTable>(reader, observer, configs);
       break;
     }
     case Document::ProtocolResolutions: {
       std::vector<common::session::MessageProtocolResolution> resolutions;
-      common::session::detail::readDocument(reader, observer, resolutions);
+      common::session::detail::readRecord<common::session::detail::ResolutionsTable>(reader, observer,
+                                                                                     resolutions);
       break;
     }
     case Document::ProtocolOffers: {
       Offers offers;
-      detail::readOffers(reader, observer, offers);
+      common::session::detail::readRecord<detail::OffersTable>(reader, observer, offers);
       break;
     }
   }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "foundation/corvane/common/session/FeatureResolution.hpp"
 
-#include "foundation/corvane/common/session/documentReader.hpp"
+#include "foundation/corvane/common/session/documentDecoder.hpp"
 #include "foundation/corvane/common/session/documentWriter.hpp"
 
 namespace foundation::corvane::common::session {
@@ -11,13 +11,11 @@ FeatureResolution::FeatureResolution(const std::string& featureName, const std::
     : name(featureName), message(text), status(outcome) {}
 
 std::string FeatureResolution::toJson(const FeatureResolution& resolution) {
-  std::string text;
-  detail::appendJson(text, resolution);
-  return text;
+  return detail::textOf<detail::FeatureResolutionTable>(resolution);
 }
 
 FeatureResolution FeatureResolution::toFeatureResolution(const std::string& text) {
-  return detail::readRecord<FeatureResolution>(text);
+  return detail::recordOf<detail::FeatureResolutionTable, FeatureResolution>(text);
 }
 
 }  // namespace foundation::corvane::common::session

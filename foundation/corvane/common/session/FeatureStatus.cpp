@@ -6,11 +6,11 @@
 namespace foundation::corvane::common::session {
 
 std::string toString(FeatureStatus status) {
-  return detail::nameOf(status);
+  return std::string(detail::nameOf(status));
 }
 
 FeatureStatus toFeatureStatus(const std::string& text) noexcept {
-  return detail::findStatus([&](const char* name) { return text == name; });
+  return detail::findNamed<FeatureStatus>([&](std::string_view name) { return text == name; });
 }
 
 }  // namespace foundation::corvane::common::session

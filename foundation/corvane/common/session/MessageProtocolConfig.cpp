@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "foundation/corvane/common/session/MessageProtocolConfig.hpp"
 
-#include "foundation/corvane/common/session/documentReader.hpp"
+#include "foundation/corvane/common/session/documentDecoder.hpp"
 #include "foundation/corvane/common/session/documentWriter.hpp"
 
 namespace foundation::corvane::common::session {
@@ -12,13 +12,11 @@ MessageProtocolConfig::MessageProtocolConfig(const std::string& protocolName,
     : name(protocolName), version(requestedVersion), features(requestedFeatures) {}
 
 std::string MessageProtocolConfig::toJson(const MessageProtocolConfig& config) {
-  std::string text;
-  detail::appendJson(text, config);
-  return text;
+  return detail::textOf<detail::ConfigTable>(config);
 }
 
 MessageProtocolConfig MessageProtocolConfig::toMessageProtocolConfig(const std::string& text) {
-  return detail::readRecord<MessageProtocolConfig>(text);
+  return detail::recordOf<detail::ConfigTable, MessageProtocolConfig>(text);
 }
 
 }  // namespace foundation::corvane::common::session

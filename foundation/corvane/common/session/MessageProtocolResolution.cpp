@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "foundation/corvane/common/session/MessageProtocolResolution.hpp"
 
-#include "foundation/corvane/common/session/documentReader.hpp"
+#include "foundation/corvane/common/session/documentDecoder.hpp"
 #include "foundation/corvane/common/session/documentWriter.hpp"
 
 namespace foundation::corvane::common::session {
@@ -12,13 +12,11 @@ MessageProtocolResolution::MessageProtocolResolution(
     : name(protocolName), version(installedVersion), resolutions(outcomes) {}
 
 std::string MessageProtocolResolution::toJson(const MessageProtocolResolution& resolution) {
-  std::string text;
-  detail::appendJson(text, resolution);
-  return text;
+  return detail::textOf<detail::ResolutionTable>(resolution);
 }
 
 MessageProtocolResolution MessageProtocolResolution::toMessageProtocolResolution(const std::string& text) {
-  return detail::readRecord<MessageProtocolResolution>(text);
+  return detail::recordOf<detail::ResolutionTable, MessageProtocolResolution>(text);
 }
 
 }  // namespace foundation::corvane::common::session

@@ -8,7 +8,7 @@
 
 #include "foundation/corvane/common/serialization/ProtocolRegistry.hpp"
 #include "foundation/corvane/common/serialization/Registry.hpp"
-#include "foundation/corvane/common/session/documentReader.hpp"
+#include "foundation/corvane/common/session/documentDecoder.hpp"
 #include "foundation/corvane/common/session/documentWriter.hpp"
 #include "foundation/log/file_logger.hpp"
 #include "foundation/log/function_scope.hpp"
@@ -22,16 +22,12 @@ constinit log::file_logger logger{"foundation::corvane::common::session::Transpo
 // The trace names resolveProtocolRequests by a line that stays the same from version to version.
 constexpr unsigned resolveProtocolRequestsLine = 90;
 
-template <class Record>
-std::string documentOf(std::string_view listName, const std::vector<Record>& records) {
+template <class Table, class Record>
+std::string documentOf(const std::vector<Record>& records) {
   constexpr std::size_t usualSize = 1000;  // of the documents of a protocol or two, which then need not grow
   std::string text;
   text.reserve(usualSize);
-  text += "{\"";
-  text += listName;
-  text += "\":";
-  detail::appendArray(text, records);
-  text += '}';
+  detail::appendObject<Table>(text, records);
   return text;
 }
 
@@ -50,19 +46,19 @@ bool isDefined(FeatureHandling handling) {
 }  // namespace
 
 std::string toJSON(const std::vector<MessageProtocolConfig>& configs) {
-  return documentOf("protocolConfigs", configs);
+  return documentOf<detail::ConfigsTable>(configs);
 }
 
 std::vector<MessageProtocolConfig> toConfigs(const std::string& text) {
-  return detail::readList<MessageProtocolConfig>(text);
+  return detail::recordOf<detail::ConfigsTable, std::vector<MessageProtocolConfig>>(text);
 }
 
 std::string toJSON(const std::vector<MessageProtocolResolution>& resolutions) {
-  return documentOf("protocolResolutions", resolutions);
+  return documentOf<detail::ResolutionsTable>(resolutions);
 }
 
 std::vector<MessageProtocolResolution> toResolutions(const std::string& text) {
-  return detail::readList<MessageProtocolResolution>(text);
+  return detail::recordOf<detail::ResolutionsTable, std::vector<MessageProtocolResolution>>(text);
 }
 
 std::pair<std::vector<FeatureResolution>, std::unordered_map<std::string, std::string>> resolveFeatures(

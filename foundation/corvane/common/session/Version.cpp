@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "foundation/corvane/common/session/Version.hpp"
 
-#include <cstdint>
+#include <string>
+#include <string_view>
+#include <tuple>
 
+#include "foundation/corvane/common/session/documentTables.hpp"
 #include "foundation/corvane/common/session/versionNumber.hpp"
 #include "foundation/json/Value.hpp"
 
@@ -10,8 +13,8 @@ namespace foundation::corvane::common::session::detail {
 
 namespace {
 
-double memberNumber(const json::Object& object, const char* name) {
-  const auto member = object.find(name);
+double memberNumber(const json::Object& object, std::string_view name) {
+  const auto member = object.find(std::string(name));
   if (member == object.end()) return 0.0;
   const auto& value = member->second;
   const bool number = value.is<double>() || value.is<std::int64_t>() || value.is<std::uint64_t>();
@@ -21,14 +24,25 @@ double memberNumber(const json::Object& object, const char* name) {
 }  // namespace
 
 std::pair<unsigned, unsigned> parseVersion(const json::Object& object) {
-  const auto majorNumber = versionNumber(memberNumber(object, "major"));
-  const auto minorNumber = versionNumber(memberNumber(object, "minor"));
-  if (!majorNumber || !minorNumber) return undefinedVersion;
-  return {*majorNumber, *minorNumber};
+  return std::apply(
+      [&](const auto&... entry) {
+        std::pair<unsigned, unsigned> version;
+        const auto read = [&](const auto& each) {
+          const auto number = versionNumber(memberNumber(object, each.name));
+          if (number) version.*each.place = *number;
+          return number.has_value();
+        };
+        return (read(entry) && ...) ? version : undefinedVersion;
+      },
+      VersionTable::members);
 }
 
 json::Object toJsonObject(const std::pair<unsigned, unsigned>& version) {
-  return {{"major", static_cast<double>(version.first)}, {"minor", static_cast<double>(version.second)}};
+  return std::apply(
+      [&](const auto&... entry) {
+        return json::Object{{std::string(entry.name), static_cast<double>(version.*entry.place)}...};
+      },
+      VersionTable::members);
 }
 
 }  // namespace foundation::corvane::common::session::detail

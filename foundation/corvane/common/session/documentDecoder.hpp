@@ -1,40 +1,31 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <type_traits>
 #include <utility>
-#include <variant>
 #include <vector>
 
-#include "foundation/corvane/common/session/MessageProtocolConfig.hpp"
-#include "foundation/corvane/common/session/MessageProtocolResolution.hpp"
-#include "foundation/corvane/common/session/featureNames.hpp"
+#include "foundation/corvane/common/session/documentTables.hpp"
 #include "foundation/corvane/common/session/versionNumber.hpp"
 #include "foundation/json/Reader.hpp"
 #include "foundation/json/ReaderSteps.hpp"
 
-// Not installed: the rules by which documents become records, and the one place that knows them. Whoever
-// wants to know what was made of a document looks over the decoder's shoulder, as its observer.
+// Not installed: the rules by which the objects of the tables become records. An observer of the decoder
+// learns what becomes of each piece.
 //
 // Every function that reads a value is called with the reader on the value's first token and leaves it on the
-// last one. Where the text breaks the grammar the reader stays at `Token::Error`, and what was read until
-// then is worth nothing; the caller looks once, at the end.
+// last one. If the text breaks the grammar, the reader stays at `Token::Error`, and what was read until then
+// does not count; the caller looks once, at the end.
 namespace foundation::corvane::common::session::detail {
 
 using Steps = json::impl::ReaderSteps;
-
-/// A member that objects of some kind have. Without a fitting one of each that is required, nothing of the
-/// object counts.
-struct Member {
-  std::string_view name;
-  bool required;
-};
 
 /// Why a member's value does not fit.
 enum class Misfit : std::uint8_t {
@@ -75,58 +66,83 @@ std::size_t first(const Holds& holds) {
   (std::make_index_sequence<size>());
 }
 
-/// Reads an object. `read(i)` reads the value of the i-th member and says whether it fits; a name may come
-/// again, and the last one counts. Returns whether nothing required is missing.
-// Inlined where it is called, for the members are constants there, and so the names to compare with.
-template <std::size_t size, class Observer, class Read>
-[[gnu::always_inline]] inline bool readObject(json::Reader& reader, const std::array<Member, size>& members,
-                                              Observer& observer, const Read& read) {
-  unsigned missing = 0;
-  for (std::size_t i = 0; i != size; ++i) missing |= unsigned{members[i].required} << i;
-  const unsigned required = missing;
-  observer.beginObject(reader, members);
+/// One bit for each member of the table that has at least this need.
+template <class Table>
+constexpr unsigned bitsOf(Need least) {
+  return std::apply(
+      [least](const auto&... entry) {
+        unsigned bits = 0;
+        unsigned bit = 1;
+        ((bits |= entry.need >= least ? bit : 0, bit <<= 1), ...);
+        return bits;
+      },
+      Table::members);
+}
+
+/// Reads an object. `read(entry)` reads the value of a member of the table and says whether it fits; a name may
+/// come again, and the last one counts. Returns whether the object is not lost.
+// Inlined where it is called, because the members are constants there, and so the names to compare with.
+template <class Table, class Observer, class Read>
+[[gnu::always_inline]] inline bool readObject(json::Reader& reader, Observer& observer, const Read& read) {
+  constexpr std::size_t size = members<Table>.size();
+  static_assert(size <= 32, "there is a bit for each member");
+  constexpr unsigned required = bitsOf<Table>(Need::Required);
+  constexpr unsigned needed = bitsOf<Table>(Need::InRange);
+  unsigned missing = required;
+  observer.beginObject(reader, members<Table>);
   for (;;) {
     // Nearly every name is one of these and plain, and to ask for it is faster than to read it.
     std::size_t i = size;
     if (const char* const name = Steps::nameAhead(reader)) {
-      i = first<size>([&](auto n) { return Steps::readNameAhead(reader, name, members[n].name); });
+      i = first<size>([&](auto n) { return Steps::readNameAhead(reader, name, members<Table>[n].name); });
     }
     if (i == size) {
       if (Steps::nextName(reader) != json::Token::Name) break;
-      i = first<size>([&](auto n) { return Steps::equals(reader, members[n].name); });
+      i = first<size>([&](auto n) { return Steps::equals(reader, members<Table>[n].name); });
     }
     observer.member(reader, i);
     Steps::nextValue(reader);
     if (i == size) {
       Steps::skip(reader);
-    } else if (read(i)) {
-      missing &= ~(1U << i);
-    } else {
-      missing |= required & (1U << i);
+      continue;
     }
+    bool fits = false;
+    first<size>([&](auto n) {
+      if (i != n) return false;
+      fits = read(std::get<n>(Table::members));
+      return true;
+    });
+    missing = fits ? missing & ~(1U << i) : missing | (needed & (1U << i));
   }
   observer.endObject(reader, missing == 0);
   return missing == 0;
+}
+
+/// The value at the reader's token is of another kind than it should be.
+template <class Observer>
+bool refuse(json::Reader& reader, Observer& observer) {
+  observer.misfit(reader, Misfit::Kind);
+  Steps::skip(reader);
+  return false;
 }
 
 /// Enough for most lists, so that they need not grow: a thousand bytes, which allocators still have at hand.
 template <class Record>
 inline constexpr std::size_t firstCapacity = 1024 / sizeof(Record);
 
-/// Reads a list of records, each with `read(record)`; anything but a list is an empty one.
-template <class Record, class Observer, class Read>
-bool readArray(json::Reader& reader, Observer& observer, std::vector<Record>& records, const Read& read) {
+template <class Table, class Observer, class Record>
+void readRecord(json::Reader& reader, Observer& observer, Record& record);
+
+/// Reads a list of records; anything but a list is an empty one.
+template <class Table, class Observer, class Record>
+bool readArray(json::Reader& reader, Observer& observer, std::vector<Record>& records) {
   records.clear();
-  if (reader.token() != json::Token::ArrayBegin) {
-    observer.misfit(reader, Misfit::Kind);
-    Steps::skip(reader);
-    return false;
-  }
+  if (reader.token() != json::Token::ArrayBegin) return refuse(reader, observer);
   while (Steps::nextElement(reader) != json::Token::ArrayEnd && reader.token() != json::Token::Error) {
     observer.element(reader);
     if (reader.token() == json::Token::ObjectBegin) {
       if (records.capacity() == 0) records.reserve(firstCapacity<Record>);
-      read(records.emplace_back());
+      readRecord<Table>(reader, observer, records.emplace_back());
       observer.record(records);
     } else {
       Steps::skip(reader);
@@ -138,18 +154,15 @@ bool readArray(json::Reader& reader, Observer& observer, std::vector<Record>& re
 /// Reads a string; anything else is an empty one.
 template <class Observer>
 bool readText(json::Reader& reader, Observer& observer, std::string& text) {
-  const bool fits = reader.token() == json::Token::String;
-  if (fits) {
-    Steps::copyTo(reader, text);
-  } else {
+  if (reader.token() != json::Token::String) {
     text.clear();
-    observer.misfit(reader, Misfit::Kind);
-    Steps::skip(reader);
+    return refuse(reader, observer);
   }
-  return fits;
+  Steps::copyTo(reader, text);
+  return true;
 }
 
-/// Reads the name of a protocol.
+/// Reads a string that must not be empty.
 template <class Observer>
 bool readName(json::Reader& reader, Observer& observer, std::string& name) {
   if (!readText(reader, observer, name)) return false;
@@ -157,28 +170,23 @@ bool readName(json::Reader& reader, Observer& observer, std::string& name) {
   return !name.empty();
 }
 
-/// Reads a word: `find(isNamed)` looks for what has the name, and returns a value that is false, as an
-/// enumerator of value 0, where there is none.
-template <class Observer, class Word, class Find>
-bool readWord(json::Reader& reader, Observer& observer, Word& word, const Find& find) {
+/// Reads the name of an enumerator; anything else is `undefined`.
+template <bool orUndefined, class Observer, class Word>
+bool readWord(json::Reader& reader, Observer& observer, Word& word) {
   word = Word{};
-  if (reader.token() != json::Token::String) {
-    observer.misfit(reader, Misfit::Kind);
-    Steps::skip(reader);
-    return false;
-  }
-  word = find([&reader](const char* name) { return Steps::equals(reader, name); });
-  if (word == Word{}) observer.misfit(reader, Misfit::Word);
-  return word != Word{};
+  if (reader.token() != json::Token::String) return refuse(reader, observer);
+  word = findNamed<Word>([&reader](std::string_view name) { return Steps::equals(reader, name); });
+  const bool fits = word != Word{} || (orUndefined && Steps::equals(reader, nameOf(word)));
+  if (!fits) observer.misfit(reader, Misfit::Word);
+  return fits;
 }
 
 /// Reads a number of a version; anything else is 0. Returns whether there can be a version with it.
-template <class Observer>
-bool readVersionNumber(json::Reader& reader, Observer& observer, unsigned& number, bool isMajor) {
+template <bool isMajor, class Observer>
+bool readVersionNumber(json::Reader& reader, Observer& observer, unsigned& number) {
   number = 0;
   if (reader.token() != json::Token::Number) {
-    observer.misfit(reader, Misfit::Kind);
-    Steps::skip(reader);
+    refuse(reader, observer);
     return true;
   }
   const double given = Steps::number(reader);
@@ -193,98 +201,55 @@ bool readVersionNumber(json::Reader& reader, Observer& observer, unsigned& numbe
   return true;
 }
 
-inline constexpr std::array<Member, 2> versionMembers{{{"major", false}, {"minor", false}}};
+/// Reads an object of its own into `part`, whose members in the table are empty before.
+template <class Table, class Observer, class Part>
+bool readPart(json::Reader& reader, Observer& observer, Part& part);
 
-/// Reads a version.
-template <class Observer>
-bool readVersion(json::Reader& reader, Observer& observer, std::pair<unsigned, unsigned>& version) {
-  if (reader.token() != json::Token::ObjectBegin) {
-    observer.misfit(reader, Misfit::Kind);
-    Steps::skip(reader);
-    return false;
-  }
-  version = {0, 0};
-  bool majorFits = true;
-  bool minorFits = true;
-  readObject(reader, versionMembers, observer, [&](std::size_t i) {
-    if (i == 0) return majorFits = readVersionNumber(reader, observer, version.first, true);
-    return minorFits = readVersionNumber(reader, observer, version.second, false);
-  });
-  return majorFits && minorFits;
+/// Reads the value of a member of a table.
+template <class Entry, class Observer, class Value>
+bool readValue(json::Reader& reader, Observer& observer, Value& value) {
+  using enum Kind;
+  if constexpr (Entry::kind == Text) return readText(reader, observer, value);
+  if constexpr (Entry::kind == Name) return readName(reader, observer, value);
+  if constexpr (Entry::kind == Word) return readWord<false>(reader, observer, value);
+  if constexpr (Entry::kind == WordOrUndefined) return readWord<true>(reader, observer, value);
+  if constexpr (Entry::kind == Major) return readVersionNumber<true>(reader, observer, value);
+  if constexpr (Entry::kind == Minor) return readVersionNumber<false>(reader, observer, value);
+  if constexpr (Entry::kind == Object) return readPart<typename Entry::Table>(reader, observer, value);
+  if constexpr (Entry::kind == List) return readArray<typename Entry::Table>(reader, observer, value);
 }
 
-inline constexpr std::array<Member, 3> requestMembers{{{"handling", true}, {"name", true}, {"value", true}}};
-
-/// Reads a request for a feature; the default one stays where the object lacks what it must have.
-template <class Observer>
-void readRecord(json::Reader& reader, Observer& observer, FeatureRequest& request) {
-  const bool whole = readObject(reader, requestMembers, observer, [&](std::size_t i) {
-    if (i == 1) return readText(reader, observer, request.name);
-    if (i == 2) return readText(reader, observer, request.value);
-    return readWord(reader, observer, request.handling,
-                    [](const auto& isNamed) { return findHandling(isNamed); });
+template <class Table, class Observer, class Part>
+bool readMembers(json::Reader& reader, Observer& observer, Part& part) {
+  return readObject<Table>(reader, observer, [&](const auto& entry) {
+    return readValue<std::decay_t<decltype(entry)>>(reader, observer, std::invoke(entry.place, part));
   });
-  if (!whole) request = {};
 }
 
-inline constexpr std::array<Member, 3> resolutionMembers{
-    {{"message", false}, {"name", true}, {"status", true}}};
-
-/// Reads what became of a request for a feature, in the same way.
-template <class Observer>
-void readRecord(json::Reader& reader, Observer& observer, FeatureResolution& resolution) {
-  const bool whole = readObject(reader, resolutionMembers, observer, [&](std::size_t i) {
-    if (i == 0) return readText(reader, observer, resolution.message);
-    if (i == 1) return readText(reader, observer, resolution.name);
-    return readWord(reader, observer, resolution.status,
-                    [](const auto& isNamed) { return findStatus(isNamed); });
-  });
-  if (!whole) resolution = {};
+template <class Table, class Observer, class Part>
+bool readPart(json::Reader& reader, Observer& observer, Part& part) {
+  std::apply([&](const auto&... entry) { ((std::invoke(entry.place, part) = {}), ...); }, Table::members);
+  if (reader.token() != json::Token::ObjectBegin) return refuse(reader, observer);
+  return readMembers<Table>(reader, observer, part);
 }
 
-/// What is particular to the two records that a document lists.
-template <class Record>
-struct Listed;
-
-template <>
-struct Listed<MessageProtocolConfig> {
-  static constexpr std::array<Member, 1> document{{{"protocolConfigs", true}}};
-  static constexpr std::array<Member, 3> members{{{"features", false}, {"name", true}, {"version", true}}};
-  static constexpr auto list = &MessageProtocolConfig::features;
-};
-
-template <>
-struct Listed<MessageProtocolResolution> {
-  static constexpr std::array<Member, 1> document{{{"protocolResolutions", true}}};
-  static constexpr std::array<Member, 3> members{{{"name", true}, {"resolutions", false}, {"version", true}}};
-  static constexpr auto list = &MessageProtocolResolution::resolutions;
-};
-
-/// Reads a record of a protocol, in the same way.
-template <class Observer, class Record>
+/// Reads an object into a default record, which stays so if the object is lost. The reader's token opens it.
+template <class Table, class Observer, class Record>
 void readRecord(json::Reader& reader, Observer& observer, Record& record) {
-  const bool whole = readObject(reader, Listed<Record>::members, observer, [&](std::size_t i) {
-    const auto name = Listed<Record>::members[i].name;
-    if (name == "name") return readName(reader, observer, record.name);
-    if (name == "version") return readVersion(reader, observer, record.version);
-    return readArray(reader, observer, record.*Listed<Record>::list,
-                     [&](auto& element) { readRecord(reader, observer, element); });
-  });
-  if (!whole) record = {};
+  if (!readMembers<Table>(reader, observer, record)) record = {};
 }
 
-/// Reads a document that lists records; the reader stands on the first token of the text.
-template <class Observer, class Record>
-void readDocument(json::Reader& reader, Observer& observer, std::vector<Record>& records) {
-  if (reader.token() != json::Token::ObjectBegin) {
-    observer.misfit(reader, Misfit::Kind);
-    Steps::skip(reader);
-    return;
-  }
-  readObject(reader, Listed<Record>::document, observer, [&](std::size_t) {
-    return readArray(reader, observer, records,
-                     [&](Record& record) { readRecord(reader, observer, record); });
-  });
+/// The record of the table's object if the text is that object and nothing else; otherwise the default one.
+/// @throws std::bad_alloc when memory runs out; nothing else.
+template <class Table, class Record>
+Record recordOf(std::string_view text) {
+  json::Reader reader(text);
+  Record record{};
+  Unobserved unobserved;
+  if (Steps::nextValueOfText(reader) != json::Token::ObjectBegin) return record;
+  readRecord<Table>(reader, unobserved, record);
+  if (reader.next() != json::Token::End) record = {};
+  return record;
 }
 
 }  // namespace foundation::corvane::common::session::detail

@@ -101,7 +101,7 @@ void Reporter::misfit(const json::Reader& reader, Misfit misfit) {
   if (!isHeard(effect)) return;
   report(ruleOf(misfit), effect, places_.at(reader.offset()),
          inQuotes(member.name) + " is " + describe(reader) + " and should be " +
-             (misfit == Misfit::Empty ? "a name" : expected(object.members, object.member)) + ": " +
+             (misfit == Misfit::Empty ? "a name" : expected(member)) + ": " +
              consequence(effect, object.members, object.member));
 }
 
@@ -123,8 +123,8 @@ void Reporter::endObject(const json::Reader& /*reader*/, bool /*whole*/) {
     path_.resize(object.pathSize);
     appendStep(path_, member.name);
     report(Rule::MissingMember, effect, object.start,
-           "there is no " + inQuotes(member.name) + ", which should be " + expected(object.members, i) +
-               ": " + consequence(effect, object.members, i));
+           "there is no " + inQuotes(member.name) + ", which should be " + expected(member) + ": " +
+               consequence(effect, object.members, i));
   }
   path_.resize(object.pathSize);
   seen_.resize(object.seen);

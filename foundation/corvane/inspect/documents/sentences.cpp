@@ -1,32 +1,40 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "foundation/corvane/inspect/documents/sentences.hpp"
 
-#include "foundation/corvane/inspect/offers/offersDecoder.hpp"
+#include "foundation/corvane/inspect/offers/offersTables.hpp"
 #include "foundation/corvane/inspect/text/quoted.hpp"
 
 namespace foundation::corvane::inspect::detail {
 
 namespace {
 
-using decoder::Member;
-using Members = std::span<const Member>;
-using Configs = decoder::Listed<common::session::MessageProtocolConfig>;
-using Resolutions = decoder::Listed<common::session::MessageProtocolResolution>;
+using Members = std::span<const decoder::Member>;
 
 // Each kind of object has one table of its members, and is known by it.
 template <class Table>
-bool isOf(Members members, const Table& table) {
-  return members.data() == table.data();
+bool isOf(Members members) {
+  return members.data() == decoder::members<Table>.data();
 }
 
 std::string_view lostRecord(Members members) {
-  if (isOf(members, Configs::members)) return "the request for the protocol counts as an empty one";
-  if (isOf(members, Resolutions::members)) return "the answer for the protocol counts as an empty one";
-  if (isOf(members, offerMembers)) return "the offer of the protocol counts as an empty one";
-  if (isOf(members, decoder::requestMembers)) return "the request for the feature counts as an empty one";
-  if (isOf(members, decoder::resolutionMembers)) return "the answer for the feature counts as an empty one";
-  if (isOf(members, offeredMembers)) return "the offer of the feature counts as an empty one";
+  if (isOf<decoder::ConfigTable>(members)) return "the request for the protocol counts as an empty one";
+  if (isOf<decoder::ResolutionTable>(members)) return "the answer for the protocol counts as an empty one";
+  if (isOf<OfferTable>(members)) return "the offer of the protocol counts as an empty one";
+  if (isOf<decoder::FeatureRequestTable>(members))
+    return "the request for the feature counts as an empty one";
+  if (isOf<decoder::FeatureResolutionTable>(members))
+    return "the answer for the feature counts as an empty one";
+  if (isOf<OfferedFeatureTable>(members)) return "the offer of the feature counts as an empty one";
   return "the record counts as an empty one";  // what a version belongs to
+}
+
+std::string oneOf(std::span<const std::string_view> words) {
+  std::string text = "one of ";
+  for (const auto word : words) {
+    if (word != words.front()) text += ", ";
+    text += '"' + std::string(word) + '"';
+  }
+  return text;
 }
 
 }  // namespace
@@ -56,38 +64,46 @@ std::string describe(const json::Reader& reader) {
   }
 }
 
-std::string expected(Members members, std::size_t index) {
-  const auto name = members[index].name;
-  if (isOf(members, decoder::versionMembers)) {
-    return name == "major" ? "a number from 0 to 65534, or from 65536 to 4294967295"
-                           : "a number from 0 to 4294967295";
+std::string expected(const decoder::Member& member) {
+  switch (member.kind) {  // unreachable: there is no other kind
+    case Kind::Text:
+    case Kind::Name:
+      break;
+    case Kind::Word:
+    case Kind::WordOrUndefined:
+      return oneOf(member.words);
+    case Kind::Major:
+      return "a number from 0 to 65534, or from 65536 to 4294967295";
+    case Kind::Minor:
+      return "a number from 0 to 4294967295";
+    case Kind::Object:
+      return "an object";
+    case Kind::List:
+      return "an array";
   }
-  if (isOf(members, decoder::requestMembers) && name == "handling") {
-    return R"(one of "required", "optional", "preferred")";
-  }
-  if (isOf(members, offeredMembers) && name == "handling") {
-    return R"(one of "required", "optional", "preferred", "undefined")";
-  }
-  if (name == "status") {
-    return R"(one of "success", "unsupported_error", "unsupported_warning", "invalid_value_error", )"
-           R"("invalid_value_warning", "invalid_handling")";
-  }
-  if (isOf(members, softwareMembers)) return "a string";
-  if (name == "version" || name == "software") return "an object";
-  const bool isText = name == "name" || name == "value" || name == "message";
-  return isText ? "a string" : "an array";
+  return "a string";
 }
 
 std::string consequence(Effect effect, Members members, std::size_t index) {
   if (effect == Effect::DocumentLost) return "the whole document counts as empty";
   if (effect == Effect::ElementLost) return "it is left out of the list";
   if (effect == Effect::RecordLost) return std::string(lostRecord(members));
-  const auto name = members[index].name;
-  if (isOf(members, decoder::versionMembers)) return "it counts as 0";
-  if (name == "handling") return "it counts as undefined, which does not matter in an offer";
-  if (name == "software") return "the software has neither name nor version";
-  const bool isText = isOf(members, softwareMembers) || name == "message";
-  return isText ? "it counts as an empty text" : "it counts as an empty list";
+  switch (members[index].kind) {  // unreachable: there is no other kind
+    case Kind::Text:
+    case Kind::Name:
+      break;
+    case Kind::Word:
+    case Kind::WordOrUndefined:  // only an offer can do without a word
+      return "it counts as undefined, which does not matter in an offer";
+    case Kind::Major:
+    case Kind::Minor:
+      return "it counts as 0";
+    case Kind::Object:
+      return "the software has neither name nor version";
+    case Kind::List:
+      return "it counts as an empty list";
+  }
+  return "it counts as an empty text";
 }
 
 std::string syntaxError(const json::Reader& reader, std::string_view text, bool afterEnd) {

@@ -14,8 +14,8 @@ namespace foundation::corvane::inspect::detail {
 /// The value at the reader's token: `the string "2.1"`, `an array`.
 std::string describe(const json::Reader& reader);
 
-/// What the `index`-th of `members` has to be: `a string`, `one of "required", "optional", "preferred"`.
-std::string expected(std::span<const common::session::detail::Member> members, std::size_t index);
+/// What the value of `member` has to be: `a string`, `one of "required", "optional", "preferred"`.
+std::string expected(const common::session::detail::Member& member);
 
 /// What becomes of an object of these members, or of the `index`-th of them: `the feature request counts as
 /// an empty one`. Not for `Reread` and `Dropped`, whose sentences differ.

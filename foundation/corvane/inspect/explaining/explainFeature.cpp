@@ -28,9 +28,6 @@ FeatureOutcome outcomeOf(const Feature& feature) {
   if (feature.match.succeeded) return outcomeOfSuccess(feature);
   if (feature.match.first == nullptr) return FeatureOutcome::Unanswered;
   switch (feature.match.first->status) {
-    case FeatureStatus::success:
-    case FeatureStatus::undefined:
-      break;
     case FeatureStatus::unsupported_error:
     case FeatureStatus::unsupported_warning:
       return FeatureOutcome::NotOffered;
@@ -39,8 +36,9 @@ FeatureOutcome outcomeOf(const Feature& feature) {
       return FeatureOutcome::ValueNotOffered;
     case FeatureStatus::invalid_handling:
       return FeatureOutcome::InvalidHandling;
+    default:
+      return FeatureOutcome::Unanswered;
   }
-  return FeatureOutcome::Unanswered;
 }
 
 // Whether a server with these offers gives this outcome. Those that say nothing about offers do not

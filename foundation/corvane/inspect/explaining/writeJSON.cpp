@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "foundation/corvane/inspect/Explanation.hpp"
 
-#include "foundation/corvane/common/session/featureNames.hpp"
+#include "foundation/corvane/common/session/documentWriter.hpp"
 #include "foundation/corvane/inspect/text/wellFormed.hpp"
 #include "foundation/json/serialize.hpp"
 
 namespace foundation::corvane::inspect {
 
 using common::session::undefinedVersion;
-using common::session::detail::nameOf;
 
 namespace {
 
@@ -31,18 +30,18 @@ void appendMember(std::string& out, std::string_view start, std::string_view tex
 void appendVersion(std::string& out, const std::pair<unsigned, unsigned>& version) {
   if (version == undefinedVersion) {
     out += "null";
-    return;
+  } else {
+    common::session::detail::appendObject<common::session::detail::VersionTable>(out, version);
   }
-  out += "{\"major\":" + std::to_string(version.first) + ",\"minor\":" + std::to_string(version.second) + '}';
 }
 
 void appendFeature(std::string& out, const FeatureExplanation& feature) {
-  appendMember(out, R"({"handling":)", nameOf(feature.handling));
+  appendMember(out, R"({"handling":)", toString(feature.handling));
   appendMember(out, R"(,"name":)", feature.name);
   out += R"(,"offered":)";
   appendArray(out, feature.offered, json::appendQuoted);
   appendMember(out, R"(,"outcome":)", toCString(feature.outcome));
-  appendMember(out, R"(,"status":)", nameOf(feature.status));
+  appendMember(out, R"(,"status":)", toString(feature.status));
   appendMember(out, R"(,"value":)", feature.value);
   appendMember(out, R"(,"why":)", feature.why);
   out += '}';
@@ -53,7 +52,7 @@ void appendUnasked(std::string& out, const UnaskedAnswer& unasked) {
   out += R"(,"isFeature":)";
   out += unasked.isFeature ? "true" : "false";
   appendMember(out, R"(,"protocol":)", unasked.protocol);
-  appendMember(out, R"(,"status":)", nameOf(unasked.status));
+  appendMember(out, R"(,"status":)", toString(unasked.status));
   appendMember(out, R"(,"value":)", unasked.value);
   out += R"(,"version":)";
   appendVersion(out, unasked.version);

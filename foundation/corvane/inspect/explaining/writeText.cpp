@@ -5,7 +5,6 @@
 #include <array>
 #include <string_view>
 
-#include "foundation/corvane/common/session/featureNames.hpp"
 #include "foundation/corvane/common/uuid/Version.hpp"
 #include "foundation/corvane/inspect/printable.hpp"
 #include "foundation/corvane/inspect/text/quoted.hpp"
@@ -85,9 +84,8 @@ Row rowOf(const ProtocolExplanation& protocol) {
 }
 
 Row rowOf(const ProtocolExplanation& protocol, const FeatureExplanation& feature) {
-  return {{cell(protocol.name), cell(feature.name), cell(feature.value),
-           common::session::detail::nameOf(feature.handling), cell(feature.offered),
-           toCString(feature.outcome), feature.why},
+  return {{cell(protocol.name), cell(feature.name), cell(feature.value), toString(feature.handling),
+           cell(feature.offered), toCString(feature.outcome), feature.why},
           colourOf(feature)};
 }
 

@@ -33,8 +33,6 @@ enum class Kind : std::uint8_t { Other, Success, Unsupported, InvalidValue, Inva
 
 Kind kindOf(FeatureStatus status) {
   switch (status) {
-    case FeatureStatus::undefined:
-      break;
     case FeatureStatus::success:
       return Kind::Success;
     case FeatureStatus::unsupported_error:
@@ -45,8 +43,9 @@ Kind kindOf(FeatureStatus status) {
       return Kind::InvalidValue;
     case FeatureStatus::invalid_handling:
       return Kind::InvalidHandling;
+    default:
+      return Kind::Other;
   }
-  return Kind::Other;
 }
 
 // The requests and entries for one feature and value.

@@ -4,7 +4,6 @@
 #include <string>
 #include <string_view>
 
-#include "foundation/corvane/common/session/featureNames.hpp"
 #include "foundation/corvane/inspect/matching/match.hpp"
 
 // Not installed: words that explanations and judgements share.
@@ -16,7 +15,7 @@ constexpr std::string_view incompatible =
 
 /// How strongly a feature is asked for: "required", ...
 inline std::string strength(common::session::FeatureHandling handling) {
-  return isKnown(handling) ? common::session::detail::nameOf(handling) : "asked for without a known handling";
+  return isKnown(handling) ? toString(handling) : "asked for without a known handling";
 }
 
 }  // namespace foundation::corvane::inspect::detail

@@ -7,17 +7,10 @@
 #include <string>
 #include <type_traits>
 
-#include "foundation/corvane/common/session/FeatureHandling.hpp"
-
 namespace foundation::corvane::common::session {
 namespace {
 
 static_assert(std::is_same_v<std::underlying_type_t<FeatureStatus>, std::uint32_t>);
-static_assert(std::is_same_v<std::underlying_type_t<FeatureHandling>, std::uint32_t>);
-static_assert(static_cast<int>(FeatureHandling::undefined) == 0);
-static_assert(static_cast<int>(FeatureHandling::required) == 1);
-static_assert(static_cast<int>(FeatureHandling::optional) == 2);
-static_assert(static_cast<int>(FeatureHandling::preferred) == 3);
 
 const char* const names[] = {"undefined",           "success",
                              "unsupported_error",   "unsupported_warning",

@@ -4,9 +4,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <array>
+#include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 namespace foundation::corvane::inspect::detail {
@@ -18,23 +21,26 @@ using testing::Each;
 using testing::ElementsAre;
 using testing::SizeIs;
 
-constexpr std::array<decoder::Member, 0> none{};
+struct NoMembers {
+  static constexpr std::tuple members{};
+};
 
 // More members than any document of today has: "a" to "z", which are objects without members of their own.
-constexpr auto alphabet = [] {
-  std::array<decoder::Member, 26> members{};
-  for (std::size_t i = 0; i < members.size(); ++i) {
-    members[i] = {std::string_view("abcdefghijklmnopqrstuvwxyz").substr(i, 1), i == 0};
+struct Alphabet {
+  static constexpr auto members = []<std::size_t... n>(std::index_sequence<n...>) {
+    return std::tuple(decoder::member<decoder::Kind::Object, NoMembers>(
+        std::string_view("abcdefghijklmnopqrstuvwxyz").substr(n, 1),
+        n == 0 ? decoder::Need::Required : decoder::Need::Optional, std::identity())...);
   }
-  return members;
-}();
+  (std::make_index_sequence<26>());
+};
 
 Fates fatesOf(std::string_view text) {
   json::Reader reader(text);
   reader.next();
   Scout scout;
-  decoder::readObject(reader, alphabet, scout, [&](std::size_t) {
-    return decoder::readObject(reader, none, scout, [](std::size_t) { return true; });
+  decoder::readObject<Alphabet>(reader, scout, [&](const auto&) {
+    return decoder::readObject<NoMembers>(reader, scout, [](const auto&) { return true; });
   });
   return scout.fates();
 }
