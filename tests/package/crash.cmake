@@ -1,9 +1,10 @@
 # SPDX-License-Identifier: Apache-2.0
 # Gets the event log out of the crash example, as its README says: from a core file that gdb made, from one of the
 # kernel's where this machine writes them beside the program, and from a live process; with the library as it is
-# installed, and stripped. Takes SOURCE (the example), PREFIX, LIBDIR, BINARY, CXX, GDB, STRIP.
+# installed, and stripped. Takes SOURCE (the example), PREFIX, LIBDIR, BINARY, CXX, GDB, STRIP, PYTHON.
 file(REMOVE_RECURSE ${BINARY})
 file(MAKE_DIRECTORY ${BINARY})
+set(truncate_core ${CMAKE_CURRENT_LIST_DIR}/truncate_core.py)
 set(view "source ${PREFIX}/share/corvane_common/corvane-gdb.py")
 
 function(run)
@@ -60,6 +61,18 @@ function(look_into_cores which)
   if(NOT recorded EQUAL 2401 OR NOT events EQUAL 1024 OR NOT last STREQUAL "[\"main\",\"abouttofail\",null,\"now\"]")
     message(SEND_ERROR "as JSON, ${which}: recorded ${recorded}, events ${events}, last ${last}")
   endif()
+
+  # A truncated core gives a part of the log, or one line that says why there is none.
+  foreach(percent IN ITEMS 0 50 99)
+    run(COMMAND ${PYTHON} ${truncate_core} build/crash.core ${percent} build/truncated.core)
+    execute_process(COMMAND ${GDB} -q -batch -ex ${view} -ex "echo \nlooking\n" -ex "corvane fastlog"
+      build/crash build/truncated.core WORKING_DIRECTORY ${BINARY} OUTPUT_VARIABLE text ERROR_VARIABLE text)
+    if(NOT text MATCHES "\nlooking\n(no descriptor of the log found[^\n]*|the [^\n]*truncated[^\n]*|.*Log size = .*)\n$"
+        OR text MATCHES "Python|Traceback")
+      message(SEND_ERROR "${percent} % of a core, ${which}: ${text}")
+    endif()
+  endforeach()
+  file(REMOVE ${BINARY}/build/truncated.core)
 
   # A kernel core only where the kernel writes it where the program runs, and not to a service.
   file(READ /proc/sys/kernel/core_pattern pattern)

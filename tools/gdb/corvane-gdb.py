@@ -29,17 +29,34 @@ class LogError(Exception):
 
 
 class Memory:
-    """The debugged process's memory, or what a core file has kept of it."""
+    """The debugged process's memory, or what a core file has kept of it.
+
+    The process may be of another processor than gdb: its byte order and the size of its pointers come from the
+    descriptor of the log."""
 
     LONGEST_TEXT = 1 << 20
 
     def __init__(self):
         self._inferior = gdb.selected_inferior()
+        self._order = "<"
+        self._pointer = "Q"
+
+    def set_pointer_size(self, size):
+        self._pointer = {4: "I", 8: "Q"}[size]
+
+    def set_order_by(self, small_number):
+        """The byte order in which these four bytes are a number below 65,536."""
+        self._order = "<" if int.from_bytes(small_number, "little") < 1 << 16 else ">"
 
     def bytes(self, address, size):
         return self._inferior.read_memory(address, size).tobytes()
 
+    def form(self, form):
+        """A form for struct, without padding: I has four bytes, Q has eight, P is a pointer."""
+        return self._order + form.replace("P", self._pointer)
+
     def unpack(self, form, address):
+        form = self.form(form)
         return struct.unpack(form, self.bytes(address, struct.calcsize(form)))
 
     def pointer(self, address):
@@ -48,13 +65,17 @@ class Memory:
     def text(self, address):
         """The C string at the address, as bytes; None if its memory is gone."""
         found = b""
+        size = 256
         while len(found) < self.LONGEST_TEXT:
-            # Not across the boundary of a page, behind which there may be nothing.
-            size = 256 - address % 256
+            # A piece never crosses a page's end. It gets shorter if memory ends inside it, as in a truncated core.
+            size = min(size, 256 - address % 256)
             try:
                 piece = self.bytes(address, size)
             except gdb.MemoryError:
-                return None
+                if size == 1:
+                    return None
+                size //= 2
+                continue
             end = piece.find(b"\0")
             if end >= 0:
                 return found + piece[:end]
@@ -63,53 +84,99 @@ class Memory:
         return None
 
 
+def address_of(name):
+    """The address of a symbol, debug information or not. Raises gdb.error if there is none."""
+    language = gdb.parameter("language")
+    # The language of the selected frame may have no such expression.
+    gdb.execute("set language c", to_string=True)
+    try:
+        return int(gdb.parse_and_eval("(unsigned long)&" + name))
+    finally:
+        gdb.execute("set language " + language, to_string=True)
+
+
 class ProcessLog:
     """The events of the process's log, oldest first."""
 
     MAGIC = b"corvane.fastlog\0"
     VERSION = 2
+    LARGEST = 1 << 28  # A ring of more bytes than this is a damaged descriptor.
 
     def __init__(self):
         self._memory = Memory()
         try:
-            descriptor = int(gdb.parse_and_eval("(unsigned long)&corvane_fastlog_descriptor"))
+            descriptor = address_of("corvane_fastlog_descriptor")
         except gdb.error as error:
-            raise LogError("no descriptor of the log found: is libcorvane_common loaded? (%s)" % error) from error
+            raise LogError(
+                "no descriptor of the log found: is libcorvane_common not loaded, a static program stripped,"
+                " or the core file truncated? (%s)" % error
+            ) from error
         try:
             self._read(descriptor)
-        except gdb.MemoryError as error:
-            raise LogError("the log is not in the memory at hand (%s)" % error) from error
+        except gdb.error as error:
+            raise LogError("the memory of the log is missing: is the core file truncated? (%s)" % error) from error
 
     def _read(self, descriptor):
         memory = self._memory
-        magic, version, _ = memory.unpack("16sII", descriptor)
-        if magic != self.MAGIC:
-            raise LogError("the descriptor of the log is damaged, or not relocated yet: has the process started?")
+        damaged = LogError("the descriptor of the log is damaged, or not relocated yet: has the process started?")
+        if memory.bytes(descriptor, 16) != self.MAGIC:
+            raise damaged
+        memory.set_order_by(memory.bytes(descriptor + 16, 4))
+        version, _, pointer_size = memory.unpack("III", descriptor + 16)
         if version != self.VERSION:
             raise LogError("the log is of version %d, and this script knows %d" % (version, self.VERSION))
-        (pointer_size, current_offset, count_offset, ring_offset, record_count, record_size, text_count,
-         written_text) = memory.unpack("8I", descriptor + 24)
-        logger_at = memory.pointer(descriptor + 56)
+        if pointer_size not in (4, 8):
+            raise damaged
+        memory.set_pointer_size(pointer_size)
+        (current_offset, count_offset, ring_offset, record_count, record_size, text_count, written_text,
+         logger_at) = memory.unpack("7IP", descriptor + 28)
+        if logger_at == 0 or record_count == 0 or record_count * record_size > self.LARGEST:
+            raise damaged
+        if not written_text < text_count <= record_size // pointer_size:
+            raise damaged
         self._widths = memory.unpack("%dI" % text_count, descriptor + 56 + pointer_size)
+        if max(self._widths) > 1000:
+            raise damaged
         logger = memory.pointer(logger_at)
         log = memory.pointer(logger + current_offset) if logger else 0
         if log == 0:
             raise LogError("the process has no log: FastLogger::instance() was not called, or the logger has ended")
         self.recorded = memory.unpack("Q", log + count_offset)[0]
-        ring = memory.bytes(log + ring_offset, record_count * record_size)
 
         self.events = []
+        self.missing = 0  # records whose memory is gone
         texts = {}
         oldest = max(self.recorded - record_count, 0)
+        ring = self._ring(log + ring_offset, record_count, record_size)
         for event in range(oldest, oldest + record_count):
             slot = event % record_count
-            pointers = struct.unpack_from("%dP" % text_count, ring, slot * record_size)
+            record = ring[slot]
+            if record is None:
+                self.missing += 1
+                continue
+            pointers = struct.unpack_from(memory.form("%dP" % text_count), record)
             if pointers[written_text] == 0:
                 continue
             for pointer in pointers:
                 if pointer and pointer not in texts:
                     texts[pointer] = memory.text(pointer)
             self.events.append((slot, [NULL if pointer == 0 else texts[pointer] for pointer in pointers]))
+        if self.missing == record_count:
+            raise LogError("the memory of the log is missing: is the core file truncated?")
+
+    def _ring(self, address, count, size):
+        """The records, each as bytes; None for a record whose memory is gone."""
+        try:
+            ring = self._memory.bytes(address, count * size)
+            return [ring[slot * size : (slot + 1) * size] for slot in range(count)]
+        except gdb.MemoryError:
+            return [self._record(address + slot * size, size) for slot in range(count)]
+
+    def _record(self, address, size):
+        try:
+            return self._memory.bytes(address, size)
+        except gdb.MemoryError:
+            return None
 
     def lines(self):
         yield "Log size = %d" % len(self.events)
@@ -117,7 +184,8 @@ class ProcessLog:
             columns = []
             for text, width in zip(texts, self._widths):
                 shown = "<null>" if text is NULL else "<unreadable>" if text is None else printable(text)
-                columns.append(shown.ljust(width) + " ")
+                # The library counts bytes, not characters. The lines are to be the same.
+                columns.append(shown + " " * (width - len(shown.encode())) + " ")
             yield "%4d  (%d): %s" % (number, slot, "".join(columns))
 
     def json(self):
@@ -170,7 +238,12 @@ class FastLogCommand(gdb.Command):
         try:
             log = ProcessLog()
         except LogError as error:
-            raise gdb.GdbError(str(error))
+            raise gdb.GdbError(str(error)) from error
+        if log.missing:
+            gdb.write(
+                "corvane fastlog: the memory of %d records is missing: is the core file truncated?\n" % log.missing,
+                gdb.STDERR,
+            )
         if arguments:
             gdb.write(log.json() + "\n")
         else:
