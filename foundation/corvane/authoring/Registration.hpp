@@ -32,9 +32,12 @@ class Registration {
 
   Registration(Registration&& other) noexcept = default;
 
+  /// Releases the protocol that this registered before, at once, and takes over the one of `other`. Moving to
+  /// itself changes nothing.
   Registration& operator=(Registration&& other) noexcept {
-    std::swap(protocols_, other.protocols_);
-    std::swap(name_, other.name_);
+    Registration taken(std::move(other));
+    std::swap(protocols_, taken.protocols_);
+    std::swap(name_, taken.name_);
     return *this;
   }
 

@@ -12,6 +12,7 @@ namespace {
 
 using foundation::corvane::authoring::Registration;
 using foundation::corvane::common::serialization::ProtocolRegistry;
+using testing::ElementsAre;
 using testing::StrEq;
 using testing::ThrowsMessage;
 
@@ -55,6 +56,49 @@ TEST(Registration, PassesOnWhatItHoldsWhenItIsMoved) {
   EXPECT_TRUE(protocols->exists("Control"));
   kept.reset();
   EXPECT_FALSE(protocols->exists("Control"));
+}
+
+TEST(Registration, ReleasesItsProtocolWhenAnotherOneIsMovedIntoIt) {
+  const auto protocols = ProtocolRegistry::create("server", "1");
+  Registration telemetry(protocols, "Telemetry", {}, {});
+  Registration control(protocols, "Control", {}, {});
+
+  telemetry = std::move(control);
+
+  EXPECT_THAT(protocols->protocolNames(), ElementsAre("Control"));
+  EXPECT_EQ(telemetry.name(), "Control");
+}
+
+TEST(Registration, ReleasesItsProtocolWhenAnEmptyOneIsMovedIntoIt) {
+  const auto protocols = ProtocolRegistry::create("server", "1");
+  Registration telemetry(protocols, "Telemetry", {}, {});
+  Registration empty(protocols, "Control", {}, {});
+  const Registration control(std::move(empty));
+
+  telemetry = std::move(empty);
+
+  EXPECT_THAT(protocols->protocolNames(), ElementsAre("Control"));
+}
+
+TEST(Registration, TakesAProtocolAfterItWasMovedFrom) {
+  const auto protocols = ProtocolRegistry::create("server", "1");
+  Registration empty(protocols, "Telemetry", {}, {});
+  const Registration telemetry(std::move(empty));
+
+  empty = Registration(protocols, "Control", {}, {});
+
+  EXPECT_THAT(protocols->protocolNames(), ElementsAre("Control", "Telemetry"));
+}
+
+TEST(Registration, StaysAsItIsWhenItIsMovedToItself) {
+  const auto protocols = ProtocolRegistry::create("server", "1");
+  Registration telemetry(protocols, "Telemetry", {}, {});
+  Registration& itself = telemetry;
+
+  telemetry = std::move(itself);
+
+  EXPECT_THAT(protocols->protocolNames(), ElementsAre("Telemetry"));
+  EXPECT_EQ(telemetry.name(), "Telemetry");
 }
 
 TEST(Registration, KeepsTheRegistryAlive) {
