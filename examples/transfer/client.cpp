@@ -15,7 +15,7 @@
 #include "session/Conversation.hpp"
 #include "session/Hello.hpp"
 #include "session/MessageChannel.hpp"
-#include "session/keep.hpp"
+#include "session/keepDocument.hpp"
 #include "session/negotiation.hpp"
 
 namespace transfer {
@@ -114,7 +114,7 @@ void checkReceipt(const Receipt& receipt, Receipt expected) {
 Errand prepare(const ClientOptions& options) {
   Errand errand{options.file, openToSend(options.file), makeRequests(options), options.knows, options.keep};
   // Last: the requests may come from what was kept in the same folder.
-  if (!errand.keep.empty()) prepareFolder(errand.keep);
+  if (!errand.keep.empty()) prepareDocumentFolder(errand.keep);
   return errand;
 }
 

@@ -9,7 +9,7 @@
 #include "foundation/corvane/common/uuid/uuid.hpp"
 #include "foundation/corvane/inspect.hpp"
 #include "protocols/transfer.hpp"
-#include "session/keep.hpp"
+#include "session/keepDocument.hpp"
 
 namespace transfer {
 
@@ -89,14 +89,14 @@ std::shared_ptr<serialization::Registry> negotiateAsClient(
     Conversation& conversation, const std::shared_ptr<serialization::ProtocolRegistry>& protocols,
     const Requests& requests, const Report& report, const std::string& folder) {
   const auto offersText = conversation.hear(Document::offers);
-  keep(folder, "offers", offersText);
+  keepDocument(folder, "offers", offersText);
 
   report.print(describeRequests(requests.protocols));
   const auto requestText = toJSON(requests.protocols);
-  keep(folder, "request", requestText);
+  keepDocument(folder, "request", requestText);
   conversation.say(Document::requests, requestText);
   const auto answerText = conversation.hear(Document::answers);
-  keep(folder, "answer", answerText);
+  keepDocument(folder, "answer", answerText);
 
   const auto offers = inspect::toOffers(offersText);
   const auto answers = session::toResolutions(answerText);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "session/keep.hpp"
+#include "session/keepDocument.hpp"
 
 #include <filesystem>
 #include <fstream>
@@ -16,7 +16,7 @@ std::filesystem::path pathOf(const std::string& folder, const std::string& name)
 
 }  // namespace
 
-void prepareFolder(const std::string& folder) {
+void prepareDocumentFolder(const std::string& folder) {
   std::error_code error;
   std::filesystem::create_directories(folder, error);
   if (!std::filesystem::is_directory(folder, error)) throw std::runtime_error(folder + " is no folder");
@@ -26,7 +26,7 @@ void prepareFolder(const std::string& folder) {
   }
 }
 
-void keep(const std::string& folder, const std::string& name, const std::string& document) {
+void keepDocument(const std::string& folder, const std::string& name, const std::string& document) {
   if (folder.empty()) return;
   const auto path = pathOf(folder, name);
   std::ofstream file(path, std::ios::binary | std::ios::trunc);
