@@ -37,8 +37,9 @@ get_target_property(boost_log_type Boost::log TYPE)
 if(boost_log_type STREQUAL "SHARED_LIBRARY")
   set(boost_log_cflags "-DBOOST_LOG_DYN_LINK")
 endif()
-file(RELATIVE_PATH pkgconfig_to_prefix
-  ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX
+  BASE_DIRECTORY ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig
+  OUTPUT_VARIABLE pkgconfig_to_prefix)
 foreach(name IN ITEMS foundation corvane_common corvane_inspect corvane_testing)
   configure_file(cmake/${name}.pc.in ${name}.pc @ONLY)
   install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${name}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
