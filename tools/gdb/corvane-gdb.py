@@ -421,9 +421,8 @@ def printers():
     add("MessageProtocolResolution", session + "MessageProtocolResolution",
         FieldsPrinter("resolution", (("name", "name"), ("version", "version"), ("resolutions", "resolutions"))))
     add("Registry", common + "serialization::Registry",
-        FieldsPrinter(registry_title, (("protocols", "protocols"), ("versions", "versions"),
-                                       ("configurations", "configurations"), ("positions by tag", "positionsByTag"),
-                                       ("serializers", "serializers")), behind="tables_"))
+        FieldsPrinter(registry_title, (("protocols", "protocols"), ("installations", "installations"),
+                                       ("serializers by tag", "serializersByTag")), behind="tables_"))
     add("ProtocolRegistry", common + "serialization::ProtocolRegistry",
         FieldsPrinter(protocol_registry_title, (("protocols", "protocols"),), behind="state_"))
     add("Value", "^foundation::json::Value", ValuePrinter)

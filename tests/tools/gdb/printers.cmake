@@ -43,9 +43,11 @@ expect(
   # A debugger may also call the library's own dump, by the name that nobody else uses.
   "Global FastLog:\nLog size = 0\n\n")
 # What the sources of the library define is known where these were built with debug information.
-if(text MATCHES "Tables {[^}]*positionsByTag")
+if(text MATCHES "Tables {[^}]*serializersByTag")
   expect(
-    "*registry is Registry of \"client\", closed = {protocols = "
+    "*registry is Registry of \"client\", closed = {protocols = std::vector of length 1, capacity 10 = {\"Telemetry\"}, "
+    "installations = std::unordered_map with 1 element = {[\"Telemetry\"] = {version = 2.0, configuration = "
+    "serializers by tag = "
     "*protocols is ProtocolRegistry of \"server\" \"2.1\" = {protocols = ")
 else()
   expect(

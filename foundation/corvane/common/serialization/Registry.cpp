@@ -2,8 +2,8 @@
 #include "foundation/corvane/common/serialization/Registry.hpp"
 
 #include <cstddef>
-#include <cstdint>
 #include <stdexcept>
+#include <string_view>
 #include <typeindex>
 
 #include "foundation/corvane/common/serialization/ProtocolRegistry.hpp"
@@ -40,26 +40,31 @@ class Rollback {
 }  // namespace
 
 struct Registry::Tables {
+  struct Installation {
+    Installation(const std::pair<unsigned, unsigned>& version_,
+                 const std::unordered_map<std::string, std::string>& configuration_)
+        : version(version_), configuration(configuration_) {}
+
+    std::pair<unsigned, unsigned> version;
+    std::unordered_map<std::string, std::string> configuration;
+  };
+
   Tables() {
     constexpr std::size_t usualSerializers = 100;
     constexpr std::size_t usualProtocols = 10;
-    serializers.reserve(usualSerializers);
-    positionsByTag.reserve(usualSerializers);
-    positionsByType.reserve(usualSerializers);
-    versions.reserve(usualProtocols);
-    configurations.reserve(usualProtocols);
+    serializersByTag.reserve(usualSerializers);
+    serializersByType.reserve(usualSerializers);
+    installations.reserve(usualProtocols);
     protocols.reserve(usualProtocols);
   }
 
-  // Each serializer has exactly one entry in each index: its position in the list.
-  std::vector<std::shared_ptr<const SerializerBase>> serializers;
-  std::unordered_map<std::string, std::uint64_t> positionsByTag;
-  std::unordered_map<std::type_index, std::uint64_t> positionsByType;
+  // Each key is the serializer's own tag, which never changes.
+  std::unordered_map<std::string_view, std::shared_ptr<const SerializerBase>> serializersByTag;
+  // Points to the owners in serializersByTag: entries of an unordered map keep their addresses.
+  std::unordered_map<std::type_index, const std::shared_ptr<const SerializerBase>*> serializersByType;
 
-  // The names are exactly the keys of the versions.
-  std::vector<std::string> protocols;
-  std::unordered_map<std::string, std::pair<unsigned, unsigned>> versions;
-  std::unordered_map<std::string, std::unordered_map<std::string, std::string>> configurations;
+  std::unordered_map<std::string, Installation> installations;
+  std::vector<std::string_view> protocols;  // the keys of the installations, in the order of their insertion
 };
 
 Registry::Registry(std::string softwareName)
@@ -103,43 +108,36 @@ void Registry::close() noexcept {
 void Registry::insert(const std::shared_ptr<const SerializerBase>& serializer) {
   FOUNDATION_LOG_FUNCTION(logger, sourcePath);
   if (closed_) throw std::logic_error("Updates to closed serializer registry not supported.");
-  const auto tag = serializer->tag();
+  const std::string& tag = serializer->tag();
   const std::type_info& type = serializer->type();
-  const std::uint64_t position = tables_->serializers.size();
   FOUNDATION_LOG(logger, 2) << " softwareName_=" << softwareName_ << " tag=" << tag
                             << " type.name()=" << type.name();
   serializer->privateSetRegistry(weak_from_this());  // deliberate: not undone below
 
-  bool tagAdded = false;
-  bool typeAdded = false;
-  tables_->serializers.push_back(serializer);
-  Rollback rollback([&] {
-    tables_->serializers.pop_back();
-    if (tagAdded) tables_->positionsByTag.erase(tag);
-    if (typeAdded) tables_->positionsByType.erase(type);
-  });
-  tagAdded = tables_->positionsByTag.try_emplace(tag, position).second;
-  typeAdded = tables_->positionsByType.try_emplace(type, position).second;
-  if (!tagAdded || !typeAdded) throw std::logic_error("Serializer registered twice.");
+  const auto [place, isNewTag] = tables_->serializersByTag.try_emplace(tag, serializer);
+  if (!isNewTag) throw std::logic_error("Serializer registered twice.");
+  Rollback rollback([this, added = place] { tables_->serializersByTag.erase(added); });
+  const bool isNewType = tables_->serializersByType.try_emplace(type, &place->second).second;
+  if (!isNewType) throw std::logic_error("Serializer registered twice.");
   rollback.dismiss();
 }
 
 bool Registry::exists(const std::string& tag) const {
-  return tables_->positionsByTag.contains(tag);
+  return tables_->serializersByTag.contains(tag);
 }
 
 bool Registry::exists(const std::type_info& type) const {
-  return tables_->positionsByType.contains(type);
+  return tables_->serializersByType.contains(type);
 }
 
 std::shared_ptr<const SerializerBase> Registry::serializer(const std::string& tag) const {
-  const auto position = tables_->positionsByTag.find(tag);
-  return position == tables_->positionsByTag.end() ? nullptr : tables_->serializers[position->second];
+  const auto place = tables_->serializersByTag.find(tag);
+  return place == tables_->serializersByTag.end() ? nullptr : place->second;
 }
 
 std::shared_ptr<const SerializerBase> Registry::serializer(const std::type_info& type) const {
-  const auto position = tables_->positionsByType.find(type);
-  return position == tables_->positionsByType.end() ? nullptr : tables_->serializers[position->second];
+  const auto place = tables_->serializersByType.find(type);
+  return place == tables_->serializersByType.end() ? nullptr : *place->second;
 }
 
 void Registry::setInstalledProtocol(const std::string& protocolName,
@@ -148,35 +146,27 @@ void Registry::setInstalledProtocol(const std::string& protocolName,
   FOUNDATION_LOG_FUNCTION(logger, sourcePath);
   FOUNDATION_LOG(logger, 2) << " softwareName_=" << softwareName_ << " protocolName=" << protocolName;
 
-  if (!tables_->versions.try_emplace(protocolName, version).second) {
-    throw std::logic_error("Message serialization protocol installed twice");
-  }
-  Rollback forgetVersion([&] { tables_->versions.erase(protocolName); });
-  // unreachable: both tables are filled here alone, and together. The version would stay.
-  if (!tables_->configurations.try_emplace(protocolName, configuration).second) {
-    forgetVersion.dismiss();
-    throw std::logic_error("Message protocol configuration installed twice");
-  }
-  Rollback forgetConfiguration([&] { tables_->configurations.erase(protocolName); });
-  tables_->protocols.push_back(protocolName);
-  forgetConfiguration.dismiss();
-  forgetVersion.dismiss();
+  const auto [place, isNew] = tables_->installations.try_emplace(protocolName, version, configuration);
+  if (!isNew) throw std::logic_error("Message serialization protocol installed twice");
+  Rollback rollback([this, added = place] { tables_->installations.erase(added); });
+  tables_->protocols.push_back(place->first);
+  rollback.dismiss();
 }
 
 std::pair<unsigned, unsigned> Registry::installedProtocol(const std::string& protocolName) const {
-  const auto version = tables_->versions.find(protocolName);
-  return version == tables_->versions.end() ? session::undefinedVersion : version->second;
+  const auto place = tables_->installations.find(protocolName);
+  return place == tables_->installations.end() ? session::undefinedVersion : place->second.version;
 }
 
 std::unordered_map<std::string, std::string> Registry::installedConfiguration(
     const std::string& protocolName) const {
-  const auto configuration = tables_->configurations.find(protocolName);
-  if (configuration == tables_->configurations.end()) return {};
-  return configuration->second;
+  const auto place = tables_->installations.find(protocolName);
+  if (place == tables_->installations.end()) return {};
+  return place->second.configuration;
 }
 
 std::vector<std::string> Registry::protocols() const {
-  return tables_->protocols;
+  return {tables_->protocols.begin(), tables_->protocols.end()};
 }
 
 }  // namespace foundation::corvane::common::serialization

@@ -73,10 +73,8 @@ class FOUNDATION_EXPORT Registry : public std::enable_shared_from_this<Registry>
 
   /// Records a protocol as installed at `version`, which must not be `session::undefinedVersion`. Works on a
   /// closed registry too. Usually called by `ProtocolRegistry::installProtocol` alone.
-  /// @throws std::logic_error "Message serialization protocol installed twice" if the name has a version;
-  /// nothing has changed.
-  /// @throws std::logic_error "Message protocol configuration installed twice" if the name has no version but
-  /// a configuration; the version is recorded then. No sequence of calls leads there.
+  /// @throws std::logic_error "Message serialization protocol installed twice" if the protocol is recorded
+  /// already; nothing has changed.
   void setInstalledProtocol(const std::string& protocolName, const std::pair<unsigned, unsigned>& version,
                             const std::unordered_map<std::string, std::string>& configuration);
 
