@@ -64,7 +64,7 @@ TEST(CommandLine, NamesAFolderThatCannotBe) {
 }
 
 TEST(CommandLine, KeepsALineALineWhateverTheNames) {
-  EXPECT_THAT(run({"demo", "two\nlines \x1b[31mred"}), FailedWith("two?lines ?[31mred is no file"));
+  EXPECT_THAT(run({"demo", "two\nlines \x1b[31mred"}), FailedWith(R"(two\nlines \x1b[31mred is no file)"));
 }
 
 TEST(CommandLine, NamesASocketWhereNobodyWaits) {

@@ -215,7 +215,7 @@ TEST_F(HostileClient, RefusesInManyLines) {
 
   const auto result = outcome();
 
-  EXPECT_THAT(result, FailedWith("the client refuses: first?second?xxx"));
+  EXPECT_THAT(result, FailedWith(R"(the client refuses: first\nsecond\nxxx)"));
   EXPECT_LT(result.err.size(), 1000U);
 }
 
