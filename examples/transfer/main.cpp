@@ -54,8 +54,9 @@ void connect(const Options& options) {
 void demo(const Options& options) {
   auto errand = prepare(options.client);
   boost::asio::io_context io;
-  std::optional<TemporaryFolder> folder(std::in_place);
-  const auto path = (folder->path() / "socket").string();
+  // The folder outlives the child, which may have its socket there until it ends.
+  const TemporaryFolder folder;
+  const auto path = (folder.path() / "socket").string();
   std::optional<Listener> listener;
   if (options.policy == serverStarts) listener.emplace(io, path);
 
@@ -65,8 +66,7 @@ void demo(const Options& options) {
     const auto due = Clock::now() + options.timeout;
     Connection connection(io, listener ? listener->accept(due) : connectTo(io, path, due), "the server",
                           options.timeout);
-    listener.reset();
-    folder.reset();  // a connection needs no name
+    listener.reset();  // a connection needs no name
     runClient(connection, std::move(errand), ClientParent);
   }
   const int status = child.wait(Clock::now() + options.timeout);

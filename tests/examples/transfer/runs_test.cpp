@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <ostream>
 #include <string>
 #include <utility>
@@ -74,6 +75,27 @@ INSTANTIATE_TEST_SUITE_P(
             "Transfer.Receipt: 2000000 bytes, SHA-256"},
         Run{"WithAnotherChunk", twoMegabytes, {"--require", "chunk=65536"}, "in 31 chunks"}),
     [](const auto& run) { return run.param.name; });
+
+// Preloads a library into the programs that are started meanwhile.
+class Preloaded {
+ public:
+  explicit Preloaded(const char* library) { setenv("LD_PRELOAD", library, 1); }
+  Preloaded(const Preloaded&) = delete;
+  Preloaded& operator=(const Preloaded&) = delete;
+  ~Preloaded() { unsetenv("LD_PRELOAD"); }
+};
+
+// The child removes the socket at which it listened. Chance decides whether the parent looks before that.
+TEST(Demo, LeavesNoFolderBehindHoweverSlowlyTheChildRemovesItsSocket) {
+  const Workspace workspace;
+  const auto file = workspace.write("file", "content");
+  const Preloaded slowRemoval(SLOW_REMOVAL);
+
+  for (int i = 0; i < 20; ++i) {
+    ASSERT_EQ(run({"demo", file, "--policy", "clientStarts"}).status, 0);
+    ASSERT_THAT(workspace.list(), ElementsAre("file"));
+  }
+}
 
 // Two lines: each end has its own to say.
 TEST(Demo, FailsOnBothEndsIfWhatIsRequiredIsNotOffered) {
