@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Report.hpp"
 
-#include <cstdio>
+#include <unistd.h>
+
 #include <iomanip>
 #include <map>
 #include <memory>
@@ -15,6 +16,7 @@
 #include "protocols/progress.hpp"
 #include "protocols/transfer.hpp"
 #include "session/Hello.hpp"
+#include "writeLines.hpp"
 
 namespace transfer {
 
@@ -56,8 +58,7 @@ void Report::print(const std::string& lines) const {
   std::istringstream input(lines);
   for (std::string line; std::getline(input, line);)
     block += speaker_ + " | " + inspect::printable(line) + '\n';
-  std::fwrite(block.data(), 1, block.size(), stdout);
-  std::fflush(stdout);
+  writeLines(STDOUT_FILENO, block);
 }
 
 std::string describeSession(const Hello& self, const Hello& peer, session::ConnectionType kind) {

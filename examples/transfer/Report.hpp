@@ -24,7 +24,7 @@ class Report {
  public:
   explicit Report(std::string speaker) : speaker_(std::move(speaker)) {}
 
-  /// Prints lines, each with its line break, in one piece: two processes may share a terminal.
+  /// Prints lines, each with its line break. No line is torn if two processes share a terminal.
   void print(const std::string& lines) const;
 
  private:

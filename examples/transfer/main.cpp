@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Sends a file from a client to a server, over a connection on which both agreed before.
+#include <unistd.h>
+
 #include <csignal>
 #include <cstdlib>
 #include <exception>
@@ -17,6 +19,7 @@
 #include "transport/Child.hpp"
 #include "transport/TemporaryFolder.hpp"
 #include "transport/connect.hpp"
+#include "writeLines.hpp"
 
 namespace {
 
@@ -104,7 +107,7 @@ int main(int argc, char** argv) {
     run(options);
     return EXIT_SUCCESS;
   } catch (const std::exception& error) {
-    std::cerr << inspect::printable(speaker + ": " + error.what()) + '\n';
+    writeLines(STDERR_FILENO, inspect::printable(speaker + ": " + error.what()) + '\n');
     return dynamic_cast<const UsageError*>(&error) != nullptr ? usageFailure : EXIT_FAILURE;
   }
 }

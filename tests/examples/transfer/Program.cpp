@@ -38,29 +38,37 @@ std::string readToEnd(int fd) {
 }  // namespace
 
 Program::Program(const std::vector<std::string>& arguments) {
+  const Pipe out;
+  const Pipe err;
+  out_ = out.ends[0];
+  err_ = err.ends[0];
+  start(arguments, out.ends[1], err.ends[1]);
+  close(out.ends[1]);
+  close(err.ends[1]);
+}
+
+Program::Program(const std::vector<std::string>& arguments, int output) {
+  start(arguments, output, output);
+}
+
+void Program::start(const std::vector<std::string>& arguments, int out, int err) {
   auto copies = arguments;
   std::string path = TRANSFER;
   std::vector<char*> argv{path.data()};
   for (auto& argument : copies) argv.push_back(argument.data());
   argv.push_back(nullptr);
-  const Pipe out;
-  const Pipe err;
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_adddup2(&actions, out.ends[1], STDOUT_FILENO);
-  posix_spawn_file_actions_adddup2(&actions, err.ends[1], STDERR_FILENO);
+  posix_spawn_file_actions_adddup2(&actions, out, STDOUT_FILENO);
+  posix_spawn_file_actions_adddup2(&actions, err, STDERR_FILENO);
   const int error = posix_spawn(&pid_, path.c_str(), &actions, nullptr, argv.data(), environ);
   posix_spawn_file_actions_destroy(&actions);
-  close(out.ends[1]);
-  close(err.ends[1]);
-  out_ = out.ends[0];
-  err_ = err.ends[0];
   if (error != 0) throw std::runtime_error("cannot start " + path);
 }
 
 Program::~Program() {
-  close(out_);
-  close(err_);
+  if (out_ >= 0) close(out_);
+  if (err_ >= 0) close(err_);
   if (pid_ != 0) {
     kill(pid_, SIGKILL);
     waitpid(pid_, nullptr, 0);
@@ -76,8 +84,8 @@ std::string Program::readLine() {
 Outcome Program::finish() {
   // One after the other: an error is a line, which fits into its pipe meanwhile.
   Outcome outcome;
-  outcome.out = readToEnd(out_);
-  outcome.err = readToEnd(err_);
+  if (out_ >= 0) outcome.out = readToEnd(out_);
+  if (err_ >= 0) outcome.err = readToEnd(err_);
   int status = 0;
   waitpid(pid_, &status, 0);
   pid_ = 0;

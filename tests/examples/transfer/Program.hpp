@@ -23,6 +23,9 @@ struct Outcome {
 class Program {
  public:
   explicit Program(const std::vector<std::string>& arguments);
+
+  /// Its output goes elsewhere, errors too.
+  Program(const std::vector<std::string>& arguments, int output);
   Program(const Program&) = delete;
   Program& operator=(const Program&) = delete;
   ~Program();
@@ -34,6 +37,8 @@ class Program {
   Outcome finish();
 
  private:
+  void start(const std::vector<std::string>& arguments, int out, int err);
+
   pid_t pid_ = 0;
   int out_ = -1;
   int err_ = -1;
