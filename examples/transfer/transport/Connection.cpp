@@ -16,14 +16,16 @@ namespace transfer {
 namespace asio = boost::asio;
 using boost::system::error_code;
 
-Connection::Connection(asio::io_context& io, Socket socket, std::string peer, std::chrono::seconds timeout)
-    : io_(io), socket_(std::move(socket)), peer_(std::move(peer)), timeout_(timeout) {}
+Connection::Connection(asio::io_context& io, Socket socket, std::string peer, std::chrono::seconds timeout,
+                       TimeSource& time)
+    : io_(io), socket_(std::move(socket)), peer_(std::move(peer)), timeout_(timeout), time_(time) {}
 
 template <class Start>
 void Connection::await(Clock::time_point deadline, const char* failure, Start start) {
   error_code result;
   start([&result](const error_code& error, std::size_t) { result = error; });
-  if (!finishBefore(deadline, io_, [this] { socket_.close(); })) {
+  const auto cancel = [this] { socket_.close(); };
+  if (!finishBefore(deadline, io_, cancel, time_)) {
     throw std::runtime_error(peer_ + failure + std::to_string(timeout_.count()) + " s");
   }
   using namespace asio::error;
@@ -36,12 +38,12 @@ void Connection::await(Clock::time_point deadline, const char* failure, Start st
 void Connection::send(const Frame& frame) {
   const auto header = encodeHeader(frame);
   const std::array buffers{asio::buffer(header), asio::buffer(frame.body)};
-  await(Clock::now() + timeout_, " has taken no data for ",
+  await(time_.now() + timeout_, " has taken no data for ",
         [&](auto done) { asio::async_write(socket_, buffers, done); });
 }
 
 Frame Connection::receive() {
-  const auto deadline = Clock::now() + timeout_;
+  const auto deadline = time_.now() + timeout_;
   constexpr auto failure = " has not answered for ";
   std::array<char, headerSize> header{};
   await(deadline, failure, [&](auto done) { asio::async_read(socket_, asio::buffer(header), done); });

@@ -23,7 +23,9 @@ class Connection {
   using Socket = boost::asio::local::stream_protocol::socket;
 
   /// @param peer What error texts call the other end, as in "the server".
-  Connection(boost::asio::io_context& io, Socket socket, std::string peer, std::chrono::seconds timeout);
+  /// @param time Must outlive the connection.
+  Connection(boost::asio::io_context& io, Socket socket, std::string peer, std::chrono::seconds timeout,
+             TimeSource& time = TimeSource::real());
 
   void send(const Frame& frame);
 
@@ -44,6 +46,7 @@ class Connection {
   Socket socket_;
   std::string peer_;
   std::chrono::seconds timeout_;
+  TimeSource& time_;
 };
 
 }  // namespace transfer

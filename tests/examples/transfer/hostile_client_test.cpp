@@ -10,6 +10,7 @@
 #include <string_view>
 #include <utility>
 
+#include "EndInThread.hpp"
 #include "Program.hpp"
 #include "Report.hpp"
 #include "bytes.hpp"
@@ -17,6 +18,7 @@
 #include "protocols/progress.hpp"
 #include "protocols/transfer.hpp"
 #include "protocols/transferMessages.hpp"
+#include "server.hpp"
 #include "session/Conversation.hpp"
 #include "session/Hello.hpp"
 #include "session/MessageChannel.hpp"
@@ -28,11 +30,9 @@ namespace {
 
 using enum framing::DomainType;
 
-// A server that is waiting, and our connection to it, on which we may do as we please.
-class HostileClient : public testing::Test {
+// Our connection to a server, on which we may do as we please.
+class ClientSide : public testing::Test {
  protected:
-  explicit HostileClient(std::string patience = "10") : timeout_(std::move(patience)) { server_.readLine(); }
-
   void hangUp() {
     connection_.reset();
     raw_.close();
@@ -87,6 +87,26 @@ class HostileClient : public testing::Test {
     connection().send({StreamDomain, 7, 102, body.take()});
   }
 
+  const Workspace workspace_;
+  boost::asio::io_context io_;
+  Connection::Socket raw_{io_};
+
+ private:
+  std::unique_ptr<Connection> connection_;
+  std::shared_ptr<serialization::ProtocolRegistry> protocols_ =
+      serialization::ProtocolRegistry::create("hostile-client", "1");
+  std::shared_ptr<serialization::Registry> registry_;
+  std::unique_ptr<MessageChannel> channel_;
+};
+
+// The server is a program.
+class HostileClient : public ClientSide {
+ protected:
+  HostileClient() {
+    server_.readLine();
+    raw_ = connectTo(io_, socket_, Clock::now() + std::chrono::seconds(10));
+  }
+
   /// How it ends for the server, which must not keep the file.
   Outcome outcome() {
     auto outcome = server_.finish();
@@ -95,23 +115,32 @@ class HostileClient : public testing::Test {
   }
 
  private:
-  std::string timeout_;  // of the server, in seconds
-  Workspace workspace_;
-  std::string socket_ = workspace_.path("socket");
-  Program server_{{"serve", socket_, "--timeout", timeout_, "--output", workspace_.path("copy")}};
-  boost::asio::io_context io_;
-  Connection::Socket raw_ = connectTo(io_, socket_, Clock::now() + std::chrono::seconds(10));
-  std::unique_ptr<Connection> connection_;
-  std::shared_ptr<serialization::ProtocolRegistry> protocols_ =
-      serialization::ProtocolRegistry::create("hostile-client", "1");
-  std::shared_ptr<serialization::Registry> registry_;
-  std::unique_ptr<MessageChannel> channel_;
+  const std::string socket_ = workspace_.path("socket");
+  Program server_{{"serve", socket_, "--timeout", "10", "--output", workspace_.path("copy")}};
 };
 
-// One that lets the server wait: that takes as long as the server's patience.
-class SilentClient : public HostileClient {
+// The server runs in this process, with a clock of its own.
+class SilentClient : public ClientSide {
  protected:
-  SilentClient() : HostileClient("2") {}
+  /// From here on we say nothing.
+  /// @return How it ends for the server, which must not keep the file.
+  std::string failure() {
+    auto failure = server_.failureInSilence();
+    EXPECT_EQ(server_.waited(), std::chrono::seconds(2));
+    EXPECT_THAT(workspace_.list(), testing::IsEmpty());
+    return failure;
+  }
+
+ private:
+  static void receive(Connection& connection, const std::string& output) {
+    ServerOptions options;
+    options.output = output;
+    runServer(connection, options, session::ConnectionType::ServerAccept);
+  }
+
+  EndInThread server_{raw_, "the client", [output = workspace_.path("copy")](Connection& connection) {
+                        receive(connection, output);
+                      }};
 };
 
 TEST_F(HostileClient, DiesAtOnce) {
@@ -121,13 +150,13 @@ TEST_F(HostileClient, DiesAtOnce) {
 }
 
 TEST_F(SilentClient, NeverSaysAnything) {
-  EXPECT_THAT(outcome(), FailedWith("transfer (server): the client has not answered for 2 s"));
+  EXPECT_EQ(failure(), "the client has not answered for 2 s");
 }
 
 TEST_F(SilentClient, FallsSilentWithinAFrame) {
   write(std::string_view("\0\0\1", 3));
 
-  EXPECT_THAT(outcome(), FailedWith("the client has not answered for 2 s"));
+  EXPECT_EQ(failure(), "the client has not answered for 2 s");
 }
 
 TEST_F(HostileClient, SpeaksAnotherLanguage) {
@@ -180,7 +209,7 @@ TEST_F(HostileClient, DiesAfterTheHello) {
 TEST_F(SilentClient, FallsSilentAfterTheHello) {
   sayHello();
 
-  EXPECT_THAT(outcome(), FailedWith("the client has not answered for 2 s"));
+  EXPECT_EQ(failure(), "the client has not answered for 2 s");
 }
 
 TEST_F(HostileClient, AsksForNothingThatCanBeRead) {
@@ -239,7 +268,7 @@ TEST_F(HostileClient, DiesWithinAFile) {
 TEST_F(SilentClient, FallsSilentWithinAFile) {
   beginFile(1'000'000);
 
-  EXPECT_THAT(outcome(), FailedWith("the client has not answered for 2 s"));
+  EXPECT_EQ(failure(), "the client has not answered for 2 s");
 }
 
 TEST_F(HostileClient, SendsAMessageOfNoProtocol) {
