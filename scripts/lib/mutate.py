@@ -1,413 +1,354 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: Apache-2.0
-"""Mutation testing of foundation/ (see scripts/mutate).
+"""Mutation testing: changes the sources in small ways, one at a time, and lists the changes that no test notices.
 
-All mutants of all files are compiled in at once; an environment variable says which one is alive (see mutants.py and
-tests/mutation/mutant.hpp). So there is one build. Each test is run once to see which mutants it comes by; then each
-mutant meets the tests that come by it, the quickest ones first, until one of them fails or takes far too long.
-
-What is kept in build/mutation: tree (the rewritten copy), build, mutants.json (all mutants, by file), reached.json (by
-test), results.json (of each mutant, by what it changes, so that it outlives a new numbering; a kill is not asked for
-again, unless with --again). Mutants that tests/mutation/equivalent.txt names are left out: a line there is
-"file: old -> new :: reason". tests/mutation/surviving.txt says in the same way why others survive. The exit status is 1
-if one survives that is not there, or if fewer than 97 of 100 are killed; with --equivalents, if one is killed.
+All changes ("mutants") are compiled into a copy of the tree at once, and an environment variable switches one of them
+on. So one build is enough. A first run of each test shows which mutants it reaches. Each mutant then meets the tests
+that reach it, until one of them fails or takes far too long. A change that does not compile is left out.
 """
 import argparse
-import fnmatch
-import hashlib
 import json
 import os
-import random
 import re
-import resource
-import signal
+import shlex
 import shutil
 import subprocess
 import sys
 import tempfile
-import textwrap
 import time
 from collections import defaultdict
 from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
-sys.path.insert(0, str(Path(__file__).resolve().parent))
-import mutants as finder  # noqa: E402
+from clang.cindex import CursorKind as Kind
+from clang.cindex import Index, TypeKind
 
-ROOT = Path(__file__).resolve().parents[2]
-WORK = ROOT / "build" / "mutation"
+BAR = 0.94  # of the whole tree's mutants, at least so many must be noticed
+UNFIT_TESTS = r"^(package|packaging|build|docs|mutation|tools\.gdb)\b"  # they look at files, symbols or texts
+COMPARISONS = {"<": ("<=", ">="), ">": (">=", "<="), "<=": ("<", ">"), ">=": (">", "<"), "==": ("!=",), "!=": ("==",)}
+ARITHMETIC = {"+": "-", "-": "+", "*": "/", "/": "*", "%": "*", "<<": ">>", ">>": "<<", "&": "|", "|": "&", "^": "&"}
+NEGATED = {*COMPARISONS, "&&", "||"}
+JUMPS = {Kind.BREAK_STMT, Kind.CONTINUE_STMT, Kind.RETURN_STMT}
+CONDITIONS = {Kind.IF_STMT, Kind.WHILE_STMT, Kind.DO_STMT, Kind.CONDITIONAL_OPERATOR, Kind.RETURN_STMT}
+WITH_BODIES = {Kind.IF_STMT, Kind.FOR_STMT, Kind.WHILE_STMT, Kind.CXX_FOR_RANGE_STMT}
+LITERALS = {Kind.STRING_LITERAL, Kind.CXX_BOOL_LITERAL_EXPR, Kind.CHARACTER_LITERAL, Kind.INTEGER_LITERAL}
+POINTERS = {TypeKind.POINTER, TypeKind.CONSTANTARRAY, TypeKind.INCOMPLETEARRAY}
+HEADER = Path(__file__).resolve().parents[2] / "tests" / "mutation" / "mutant.hpp"
+ROOT, WORK = Path.cwd(), Path.cwd() / "build" / "mutation"
 TREE, BUILD = WORK / "tree", WORK / "build"
-MOST_OF_A_FILE = 1000  # mutants
-FLAGS = f"-O1 -w -Wno-narrowing -include {TREE}/tests/mutation/mutant.hpp"
-# They look at the package, at symbols or at texts.
-UNFIT_TESTS = re.compile(r"package|^build\.|^tools\.gdb|symbols")
+MACRO = re.compile(r"([A-Z][A-Z0-9_]+|assert)\(")
 
 
-def load(name, default):
-    path = WORK / name
-    return json.loads(path.read_text()) if path.exists() else default
+class Source:
+    """A file and its mutants. Offsets count bytes, as clang's do."""
+
+    def __init__(self, name, text):
+        self.name, self.text = name, text
+        self.mutants = []  # dictionaries
+        self.edits = []  # what to insert around which bytes, and what replaces the operator in their middle
+        self.seen = set()
+
+    def code(self, begin, end):
+        return self.text[begin:end].decode()
+
+    def add(self, begin, end, news, prefix, suffix, gap=None, between=""):
+        """Adds mutants that turn the bytes into one of `news`. In the inserted texts #0, #1, ... stand for them."""
+        if (begin, end, news) in self.seen:
+            return
+        self.seen.add((begin, end, news))
+        line, last = (self.text.count(b"\n", 0, offset) + 1 for offset in (begin, end))
+        self.edits.append((begin, end, prefix, suffix, gap, between, len(self.mutants)))
+        for new in news:
+            self.mutants.append({"file": self.name, "line": line, "last": last, "valid": True,
+                                 "change": " ".join(f"{self.code(begin, end)} -> {new or 'nothing'}".split())})
+
+    def rewritten(self):
+        """The text with all valid mutants in it. Outer insertions stand outside of inner ones."""
+        insertions, gaps = [], {}
+        for order, (begin, end, prefix, suffix, gap, between, first) in enumerate(self.edits):
+            if not self.mutants[first]["valid"]:
+                continue
+
+            def numbered(text):
+                return re.sub("#([0-9])", lambda m: f"::mutant::on({self.mutants[first + int(m[1])]['number']})", text)
+            insertions.append(((begin, 1, begin - end, order), numbered(prefix)))
+            insertions.append(((end, 0, end - begin, -order), numbered(suffix)))
+            if gap:
+                gaps[gap[0]] = gap[1]
+                insertions.append(((gap[0], 0, sys.maxsize, 0), numbered(between) + "\n" * self.code(*gap).count("\n")))
+        out, at = [f'#include "{HEADER}"\n#line 1\n'], 0
+        for (offset, *_), text in sorted(insertions):
+            out += [self.code(at, offset), text]
+            at = max(at, offset)
+            if offset in gaps:
+                at = gaps.pop(offset)
+        return "".join(out) + self.code(at, len(self.text))
 
 
-def save(name, value):
-    path = WORK / name
-    path.with_suffix(".new").write_text(json.dumps(value, indent=0))
-    path.with_suffix(".new").replace(path)
+class Finder:
+    """Finds the mutants of one file in clang's syntax tree of a unit that contains it."""
+
+    def __init__(self, source, unit, arguments):
+        self.source = source
+        for cursor in Index.create().parse(unit, arguments).cursor.get_children():
+            if cursor.location.file and os.path.samefile(cursor.location.file.name, TREE / source.name):
+                self.visit(cursor, None)
+
+    def at(self, node):
+        return node.extent.start.offset, node.extent.end.offset
+
+    def code(self, node):
+        return self.source.code(*self.at(node))
+
+    def visit(self, node, parent):
+        kids = list(node.get_children())
+        text = self.code(node)
+        # Of what a macro is made, clang gives the place of the macro. Constants could not be switched at run time.
+        if node.kind in (Kind.ENUM_DECL, Kind.STATIC_ASSERT) or MACRO.match(text):
+            return
+        if node.kind == Kind.VAR_DECL and re.match(r"(static |inline )*constexpr ", text):
+            return
+        if node.kind in CONDITIONS and kids:
+            if node.kind != Kind.RETURN_STMT or kids[0].type.kind == TypeKind.BOOL:
+                self.condition(kids[1] if node.kind == Kind.DO_STMT or kids[0].kind == Kind.DECL_STMT else kids[0])
+        elif node.kind in LITERALS:
+            self.literal(node, text)
+        elif node.kind == Kind.UNARY_OPERATOR and len(kids) == 1:
+            self.unary(node, kids[0], text)
+        elif found := self.operator(node, kids):
+            self.binary(node, kids, *found)
+        if node.kind == Kind.COMPOUND_STMT:
+            ends_function = parent is not None and (parent.kind.is_declaration() or parent.kind == Kind.LAMBDA_EXPR)
+            for kid in kids:
+                if not (ends_function and kid == kids[-1] and kid.kind == Kind.RETURN_STMT):
+                    self.statement(kid)
+        elif node.kind in WITH_BODIES:
+            for kid in kids[1:] if node.kind == Kind.IF_STMT else kids[-1:]:
+                self.statement(kid)
+        for kid in kids:
+            self.visit(kid, node)
+
+    def statement(self, node):
+        begin, end = self.at(node)
+        is_statement = node.kind.is_expression() or node.kind in JUMPS or MACRO.match(self.code(node))
+        semicolon = re.match(rb"\s*;", self.source.text[end:])
+        if is_statement and semicolon and not self.code(node).startswith("static_cast<void>"):
+            self.source.add(begin, end + semicolon.end(), ("",), "{ if (!#0) { ", " } }")
+
+    def operator(self, node, kids):
+        """Left operand, operator, right operand, and the bytes of the operator; None if this is not what it is."""
+        begin, end = self.at(node)
+        if len(kids) not in (2, 3) or self.at(kids[0])[0] != begin or self.at(kids[-1])[1] != end:
+            return None
+        gap = (self.at(kids[0])[1], self.at(kids[-1])[0])
+        text = self.source.code(*gap).strip()
+        return (self.code(kids[0]), text, self.code(kids[-1]), gap) if gap[0] < gap[1] else None
+
+    def binary(self, node, kids, left, sign, right, gap):
+        types = {kid.type.get_canonical().kind for kid in kids}
+        is_number = node.kind == Kind.BINARY_OPERATOR and not types & {TypeKind.DEPENDENT, TypeKind.UNEXPOSED}
+        if sign in ("&&", "||"):  # each side in turn loses its say
+            force = ") || #" if sign == "&&" else ") && !#"
+            self.source.add(*self.at(node), (right, left), "((static_cast<bool>(", f"{force}1))", gap,
+                            f"{force}0) {sign} (static_cast<bool>(")
+            return
+        if sign in COMPARISONS:
+            others = COMPARISONS[sign]
+        elif sign in ARITHMETIC and is_number and not types <= POINTERS:
+            others = (ARITHMETIC[sign],)
+        elif sign[:-1] in ARITHMETIC and node.kind == Kind.COMPOUND_ASSIGNMENT_OPERATOR:
+            others = (ARITHMETIC[sign[:-1]] + "=",)
+        else:
+            return
+        choice = "".join(f"#{i} ? a {other} b : " for i, other in enumerate(others))
+        self.source.add(*self.at(node), tuple(f"{left} {other} {right}" for other in others),
+                        f"[](auto&& a, auto&& b) -> decltype(auto) {{ return ({choice}a {sign} b); }}(", ")", gap, ", ")
+
+    def unary(self, node, operand, text):
+        begin, end, inner_begin, inner_end = *self.at(node), *self.at(operand)
+        is_prefix, inner = inner_begin > begin, self.code(operand)
+        sign = text[:2] if is_prefix else text[-2:]
+        if text[0] == "!" and sign != "!=":
+            self.source.add(begin, end, (inner,), "(#0 != (", "))")
+        elif sign in ("++", "--"):
+            other = "--" if sign == "++" else "++"
+            write = (lambda what, sign: sign + what) if is_prefix else (lambda what, sign: what + sign)
+            call = f"[](auto& a) -> decltype(auto) {{ return (#0 ? {write('a', other)} : {write('a', sign)}); }}("
+            gap = (begin, inner_begin) if is_prefix else (inner_end, end)
+            self.source.add(begin, end, (write(inner, other),), call, ")", gap)
+
+    def condition(self, node):
+        """Negates a condition that no other mutant negates."""
+        at, text = self.at(node), self.code(node)
+        while node.kind in (Kind.UNEXPOSED_EXPR, Kind.PAREN_EXPR) and len(kids := list(node.get_children())) == 1:
+            node = kids[0]
+        operator = self.operator(node, list(node.get_children()))
+        if node.kind == Kind.VAR_DECL:
+            self.source.add(*at, (f"{text}; !{node.spelling}",), "", f"; #0 != static_cast<bool>({node.spelling})")
+        elif not (operator and operator[1] in NEGATED) and text[:1] != "!" and text not in ("", "true", "false"):
+            self.source.add(*at, (f"!({text})",), "(#0 != static_cast<bool>(", "))")
+
+    def literal(self, node, text):
+        news = []
+        if re.match(r'R?".*"$', text, re.DOTALL):
+            news = ['"mutant"' if text == '""' else '""']
+        elif text in ("true", "false"):
+            news = ["false" if text == "true" else "true"]
+        elif text.startswith("'"):
+            news = [f"static_cast<char>({text} + 1)"]
+        elif text[:1].isdigit():
+            news = [f"({text} + 1)", f"({text} - 1)"][:1 if text == "0" else 2]
+        if news:
+            choice = "".join(f"#{i} ? {new} : " for i, new in enumerate(news))
+            self.source.add(*self.at(node), tuple(news), f"({choice}", ")")
 
 
-def write_if_new(path, text):
-    if not path.exists() or path.read_text() != text:
-        path.parent.mkdir(parents=True, exist_ok=True)
-        path.write_text(text)
+def output(*command, **options):
+    return subprocess.run(command, stdout=subprocess.PIPE, text=True, check=True, **options).stdout
 
 
-def tracked_files():
-    command = ["git", "ls-files", "--cached", "--others", "--exclude-standard"]
-    names = subprocess.run(command, cwd=ROOT, capture_output=True, text=True, check=True).stdout.splitlines()
-    return [name for name in names if (ROOT / name).is_file()]
+def units_of(names):
+    """The files that can have mutants, with a unit that contains each: the sources, and the headers not installed."""
+    installed = {os.path.normpath(Path(name).parent / header)
+                 for name in names if re.match(r"foundation/(.*/)?CMakeLists\.txt$", name)
+                 for header in re.findall(r"[\w./]+\.hpp", (ROOT / name).read_text())}
+    texts = {name: (ROOT / name).read_text() for name in names if re.match(r"(foundation|tools)/.*\.[ch]pp$", name)}
+
+    def unit(name):
+        if name.endswith(".cpp"):
+            return name
+        folder, base = os.path.split(name)
+        users = [user for user, text in texts.items()
+                 if f'"{name}"' in text or (os.path.dirname(user) == folder and f'"{base}"' in text)]
+        return next(filter(None, map(unit, sorted(users))), None)
+    return {name: found for name in sorted(texts.keys() - installed) if (found := unit(name))}
 
 
-def sources(names):
-    """The sources of foundation/, and the headers that are not installed, each with a unit that includes it."""
-    units = {name: name for name in names if name.startswith("foundation/") and name.endswith(".cpp")}
-    texts = {name: (ROOT / name).read_text() for name in units}
+def rewrite(name, unit, sources, command):
+    """Puts its mutants into a file of the tree. Leaves out those in lines of which the compiler complains."""
+    changed = [sources[name]]
+    while changed:
+        for source in changed:
+            (TREE / source.name).write_text(source.rewritten())
+        errors = subprocess.run([*command, "-fsyntax-only", TREE / unit], capture_output=True, text=True)
+        if errors.returncode == 0:
+            return
+        places = set(re.findall(r"([^\s:]+):(\d+):\d+:(?! warning)", errors.stderr))
+        valid = [mutant for source in sources.values() for mutant in source.mutants if mutant["valid"]]
+        bad = [mutant for mutant in valid if any(
+            (str(TREE / mutant["file"]), str(line)) in places for line in range(mutant["line"], mutant["last"] + 1))]
+        bad = bad or [mutant for mutant in valid if mutant["file"] == name]
+        for mutant in bad:
+            mutant["valid"] = False
+        changed = [sources[name] for name in {mutant["file"] for mutant in bad}]
+    sys.exit(f"{unit} does not compile without mutants, either:\n{errors.stderr}")
+
+
+def prepare(names, chosen):
+    """Builds the tree with all mutants of the chosen files in it, and returns the mutants."""
     for name in names:
-        folder = Path(name).parent
-        if not name.startswith("foundation/") or not name.endswith(".hpp") or not (ROOT / folder / "CMakeLists.txt").exists():
-            continue
-        if re.search(rf"\b{Path(name).name}\b", (ROOT / folder / "CMakeLists.txt").read_text()):
-            continue  # installed
-        unit = next((unit for unit in sorted(texts) if f'"{name}"' in texts[unit]), None)
-        if unit:
-            units[name] = unit
-    return dict(sorted(units.items()))
-
-
-def compile_command(compiler, root, unit):
-    return [compiler, "-std=c++20", f"-I{root}", "-DBOOST_LOG_DYN_LINK", str(root / unit)]
-
-
-def find_all(units, clang):
-    """The mutants of each file."""
-    def find(item):
-        name, unit = item
-        text = (ROOT / name).read_bytes()
-        command = compile_command(clang, ROOT, unit)
-        return finder.find(name, text, command, lambda path: path == str(ROOT / name))
-
+        if not (copy := TREE / name).exists() or copy.read_bytes() != (ROOT / name).read_bytes():
+            copy.parent.mkdir(parents=True, exist_ok=True)
+            shutil.copy(ROOT / name, copy)
+    subprocess.run(["cmake", "-S", TREE, "-B", BUILD, "-G", "Ninja", "-DCMAKE_EXPORT_COMPILE_COMMANDS=ON",
+                    "-DCMAKE_CXX_FLAGS=-O1 -Wno-narrowing -Werror=vla"], check=True, stdout=subprocess.DEVNULL)
+    commands = {}
+    for entry in json.loads((BUILD / "compile_commands.json").read_text()):
+        words = shlex.split(entry["command"])
+        commands[os.path.relpath(entry["file"], TREE)] = words[:words.index("-o")]
+    chosen = {name: unit for name, unit in chosen.items() if unit in commands}
+    sources = {name: Source(name, (ROOT / name).read_bytes()) for name in chosen}
     with ThreadPoolExecutor(os.cpu_count()) as pool:
-        return dict(zip(units, pool.map(find, units.items())))
-
-
-def compiles(source, unit, numbers, without):
-    """None, or the lines of the file that do not compile."""
-    write_if_new(TREE / source.path, source.rewritten(numbers, without))
-    command = compile_command("g++", TREE, unit) + FLAGS.split() + ["-fsyntax-only"]
-    run = subprocess.run(command, capture_output=True, text=True)
-    if run.returncode == 0:
-        return None
-    lines = re.findall(rf"{re.escape(str(TREE / source.path))}:(\d+)", run.stderr)
-    return {int(line) for line in lines} or {mutant["line"] for mutant in source.mutants}
-
-
-def digest(*paths):
-    return hashlib.sha256(b"".join(path.read_bytes() for path in paths)).hexdigest()
-
-
-def rewrite(source, unit, first):
-    """Puts the file with its mutants, numbered from `first`, into the tree, but for those that do not compile."""
-    numbers, without = range(first, first + len(source.mutants)), set()
-    while (bad := compiles(source, unit, numbers, without)) is not None:
-        more = {i for i, mutant in enumerate(source.mutants) if mutant["line"] in bad} - without
-        if not more:
-            sys.exit(f"{source.path} does not compile even without mutants in lines {sorted(bad)}")
-        without |= more
-    for i, mutant in enumerate(source.mutants):
-        mutant["number"] = first + i
-        mutant["invalid"] = i in without
-
-
-def prepare(units, clang):
-    """Rewrites what has changed of the tree. Returns all mutants.
-
-    Each file has a range of numbers of its own, so that a change of one file does not change the others.
-    """
-    for name in tracked_files():
-        if name not in units:
-            (TREE / name).parent.mkdir(parents=True, exist_ok=True)
-            if not (TREE / name).exists() or (TREE / name).read_bytes() != (ROOT / name).read_bytes():
-                shutil.copy(ROOT / name, TREE / name)  # with a new time
-    tool = digest(ROOT / "scripts/lib/mutants.py", ROOT / "tests/mutation/mutant.hpp")
-    known = load("mutants.json", {})
-    files = known.get("files", {}) if known.get("tool") == tool else {}
-    changed = {name: unit for name, unit in units.items() if files.get(name, {}).get("of") != digest(ROOT / name)}
-    found = find_all(changed, clang)
-    # First all of them without mutants, for they include each other.
-    for name in changed:
-        write_if_new(TREE / name, (ROOT / name).read_text())
-    ranges = max((entry["range"] for entry in files.values()), default=0)
-    for name, source in found.items():
-        if name not in files:
-            ranges += 1
-            files[name] = {"range": ranges}
-        rewrite(source, units[name], files[name]["range"] * MOST_OF_A_FILE)
-        files[name].update({"of": digest(ROOT / name), "mutants": source.mutants})
-    save("mutants.json", {"tool": tool, "files": files})
-    return [mutant for name in units for mutant in files[name]["mutants"]]
-
-
-def build():
-    if not (BUILD / "build.ninja").exists():
-        # Debug, for the assertions of the standard library's fast paths are off anyway.
-        subprocess.run(["cmake", "-S", TREE, "-B", BUILD, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=None",
-                        f"-DCMAKE_CXX_FLAGS={FLAGS}"], check=True, stdout=subprocess.DEVNULL)
+        list(pool.map(lambda item: Finder(sources[item[0]], TREE / item[1], commands[item[1]][1:]), chosen.items()))
+        mutants = [mutant for source in sources.values() for mutant in sorted(source.mutants, key=lambda m: m["line"])]
+        for number, mutant in enumerate(mutants, 1):
+            mutant["number"] = number
+        headers = {name for name in chosen if name.endswith(".hpp")}  # first, because the sources contain them
+        for part, mapping in ((headers, map), (chosen.keys() - headers, pool.map)):
+            list(mapping(lambda name: rewrite(name, chosen[name], sources, commands[chosen[name]]), sorted(part)))
     subprocess.run(["cmake", "--build", BUILD, "--parallel", str(os.cpu_count())], check=True)
-
-
-class Test:
-    def __init__(self, name, command, directory):
-        self.name, self.command, self.directory = name, command, directory
-        filters = [word for word in command if word.startswith("--gtest_filter=")]
-        self.program = command[0] if filters else None  # of a test that can be run together with others
-        self.filter = filters[0].split("=", 1)[1] if filters else None
-
-    def stamp(self, mutants):
-        """Of the files that its command names, when the last one changed; and of the mutants."""
-        changed = max((os.stat(word).st_mtime_ns for word in self.command if os.path.isfile(word)), default=0)
-        return f"{changed} {mutants}"
-
-
-def tests():
-    text = subprocess.run(["ctest", "--show-only=json-v1"], cwd=BUILD, capture_output=True, text=True, check=True).stdout
-    for test in json.loads(text)["tests"]:
-        properties = {entry["name"]: entry["value"] for entry in test.get("properties", [])}
-        if "command" in test and not UNFIT_TESTS.search(test["name"]) and not properties.get("DISABLED"):
-            yield Test(test["name"], test["command"], properties.get("WORKING_DIRECTORY", str(BUILD)))
+    return [mutant for mutant in mutants if mutant["valid"]], sum(not mutant["valid"] for mutant in mutants)
 
 
 def run(command, directory, timeout, **environment):
-    """Whether it succeeded, and how long it took; everything that it started is gone afterwards."""
+    """The exit code, which is not 0 after the timeout, and the seconds."""
     start = time.monotonic()
-    process = subprocess.Popen(command, cwd=directory, env={**os.environ, **environment}, stdin=subprocess.DEVNULL,
-                               stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, start_new_session=True)
-    try:
-        code = process.wait(timeout)
-    except subprocess.TimeoutExpired:
-        code = "timeout"
-    try:
-        os.killpg(process.pid, signal.SIGKILL)
-    except ProcessLookupError:
-        pass
-    process.wait()
-    return code, time.monotonic() - start
+    done = subprocess.run(["timeout", "--signal=KILL", str(timeout), *command], cwd=directory, capture_output=True,
+                          stdin=subprocess.DEVNULL, env={**os.environ, **environment})
+    return done.returncode, time.monotonic() - start
 
 
-def see_what_is_reached(count, jobs, wanted):
-    """Of each wanted test: its time, and the numbers of the mutants that it comes by. Failing ones are left out."""
-    known = load("reached.json", {})
-    mutants = digest(WORK / "mutants.json")
+def tests_of_build(pool):
+    """The tests that pass, by the mutants that they reach."""
+    tests = []
+    for test in json.loads(output("ctest", "--show-only=json-v1", cwd=BUILD))["tests"]:
+        if "command" in test and not re.search(UNFIT_TESTS, test["name"]):
+            folder = next(entry["value"] for entry in test["properties"] if entry["name"] == "WORKING_DIRECTORY")
+            filters = [word[len("--gtest_filter="):] for word in test["command"] if word.startswith("--gtest_filter=")]
+            tests.append({"name": test["name"], "command": test["command"], "folder": folder, "filters": filters})
 
     def see(test):
         with tempfile.NamedTemporaryFile(dir=WORK) as file:
-            file.write(bytes(count + 1))
-            file.flush()
-            code, seconds = run(test.command, test.directory, 600, MUTANT="0", MUTANTS_REACHED=file.name)
-            file.seek(0)
-            marks = file.read()
-        return {"code": code, "seconds": seconds, "stamp": test.stamp(mutants),
-                "mutants": [i for i, mark in enumerate(marks) if mark]}
-
-    everything = [test for test in tests() if re.search(wanted, test.name)]
-    todo = [test for test in everything if known.get(test.name, {}).get("stamp") != test.stamp(mutants)]
-    with ThreadPoolExecutor(jobs) as pool:
-        seen = dict(zip((test.name for test in todo), pool.map(see, todo)))
-    reached = {test.name: seen.get(test.name) or known[test.name] for test in everything}
-    save("reached.json", {**known, **reached})
-    for name, entry in reached.items():
-        if entry["code"] != 0:
-            print(f"left out, for it fails without a mutant: {name} ({entry['code']})", flush=True)
-    return {name: entry for name, entry in reached.items() if entry["code"] == 0}
-
-
-class Hunt:
-    def __init__(self, reached, most_seconds):
-        self.most_seconds = most_seconds
-        self.tests = {test.name: test for test in tests() if test.name in reached}
-        self.seconds = {name: entry["seconds"] for name, entry in reached.items()}
-        self.by_mutant = defaultdict(list)
-        for name, entry in reached.items():
-            if name in self.tests:
-                for number in entry["mutants"]:
-                    self.by_mutant[number].append(name)
-
-    def commands(self, mutant):
-        """What is run for the mutant: tests of one program together, those of the same folder first, the quickest
-        first. No others are begun once they have taken too long."""
-        folder = str(BUILD / "tests" / Path(mutant["file"]).relative_to("foundation").parent)
-        groups = defaultdict(list)
-        for name in self.by_mutant[mutant["number"]]:
-            groups[self.tests[name].program or name].append(name)
-
-        def order(names):
-            elsewhere = not (self.tests[names[0]].program or "").startswith(folder)
-            return elsewhere, sum(self.seconds[name] for name in names)
-
-        spent = 0
-        for names in sorted(groups.values(), key=order):
-            spent += order(names)[1]
-            if order(names)[0] and spent > self.most_seconds:
-                return
-            test = self.tests[names[0]]
-            command = test.command
-            if test.program:
-                filters = ":".join(self.tests[name].filter for name in names)
-                command = [test.program, f"--gtest_filter={filters}", "--gtest_fail_fast", "--gtest_brief=1"]
-            seconds = sum(self.seconds[name] for name in names)
-            yield command, test.directory, seconds, names[0] if len(names) == 1 else Path(command[0]).name
-
-    def result(self, mutant):
-        if mutant["number"] not in self.by_mutant:
-            return {"outcome": "survived", "by": "no test comes by"}
-        for command, directory, seconds, name in self.commands(mutant):
-            code, _ = run(command, directory, 3 + 6 * seconds, MUTANT=str(mutant["number"]))
+            file.truncate(1 << 20)  # as mutant.hpp maps it
+            code, test["seconds"] = run(test["command"], test["folder"], 600, MUTANT="0", MUTANTS_REACHED=file.name)
             if code != 0:
-                return {"outcome": "killed", "by": name, "code": code}
-        return {"outcome": "survived", "by": "every test passes"}
+                print(f"left out, because it fails without a mutant: {test['name']}", flush=True)
+            return [number for number, mark in enumerate(file.read()) if mark and code == 0]
+    reaching = defaultdict(list)
+    for test, numbers in zip(tests, pool.map(see, tests)):
+        for number in numbers:
+            reaching[number].append(test)
+    return reaching
 
 
-def key_of(mutant, occurrence):
-    """What tells a mutant from the others when lines above it change."""
-    return f"{mutant['file']}: {mutant['old']} -> {mutant['new']} #{occurrence}"
+def is_noticed(mutant, tests):
+    """Whether a test fails. Tests of one GoogleTest program run together; those nearest to the file come first."""
+    groups = defaultdict(list)
+    for test in tests:
+        groups[test["command"][0] if test["filters"] else test["name"]].append(test)
 
+    def order(group):
+        folder = f"{BUILD}/tests/{mutant['file'].removeprefix('foundation/')}"
+        return -len(os.path.commonprefix([group[0]["folder"], folder])), sum(test["seconds"] for test in group)
 
-def reasons_of(name):
-    """By "file: old -> new", why the mutant is none, or why it survives."""
-    path = ROOT / "tests" / "mutation" / name
-    reasons = {}
-    for line in path.read_text().splitlines() if path.exists() else []:
-        if line.strip() and not line.startswith("#"):
-            what, reason = line.rsplit(" :: ", 1)
-            reasons[what.strip()] = reason.strip()
-    return reasons
+    for group in sorted(groups.values(), key=order):
+        command = group[0]["command"]
+        if len(group) > 1:
+            names = ":".join(name for test in group for name in test["filters"])
+            command = [command[0], f"--gtest_filter={names}", "--gtest_fail_fast"]
+        if run(command, group[0]["folder"], 10 + 6 * order(group)[1], MUTANT=str(mutant["number"]))[0] != 0:
+            return True
+    return False
 
 
 def main():
-    options = argparse.ArgumentParser(description="Mutation testing of foundation/.")
-    options.add_argument("--files", default="*", help="only mutants of these files, a pattern")
-    options.add_argument("--tests", default="", help="only with those tests, a regular expression")
-    options.add_argument("--sample", type=int, help="only so many mutants, taken at random")
-    options.add_argument("--seed", type=int, default=1)
-    options.add_argument("--jobs", type=int, default=os.cpu_count())
-    options.add_argument("--most-seconds", type=float, default=600, help="of tests from other folders, for each mutant")
-    options.add_argument("--equivalents", action="store_true", help="only those that are held to change nothing")
-    options.add_argument("--write", action="store_true", help="write tests/mutation/survivors.md")
-    options.add_argument("--again", action="store_true", help="meet even those mutants that have a result")
-    options.add_argument("--clang", default="clang++", help="the compiler whose syntax tree is used")
+    options = argparse.ArgumentParser(description="Changes the sources, and lists the changes that no test notices.")
+    options.add_argument("paths", nargs="*", help="files and folders; without them, the files that have changed")
+    options.add_argument("--base", default="HEAD", help="the revision since which files have changed (default: HEAD)")
+    options.add_argument("--all", action="store_true", help=f"the whole tree; fails below {100 * BAR:.0f} %%")
     options = options.parse_args()
-
-    WORK.mkdir(parents=True, exist_ok=True)
-    units = sources(tracked_files())
-    everything = prepare(units, options.clang)
-    build()
-    # A mutant may ask for memory without end, or crash thousands of times.
-    resource.setrlimit(resource.RLIMIT_AS, (4 << 30, resource.getrlimit(resource.RLIMIT_AS)[1]))
-    resource.setrlimit(resource.RLIMIT_CORE, (0, resource.getrlimit(resource.RLIMIT_CORE)[1]))
-    reached = see_what_is_reached(max(mutant["number"] for mutant in everything), options.jobs,
-                                  options.tests)
-    hunt = Hunt(reached, options.most_seconds)
-
-    occurrences, keys = defaultdict(int), {}
-    for mutant in everything:
-        base = key_of(mutant, "")
-        occurrences[base] += 1
-        keys[mutant["number"]] = key_of(mutant, occurrences[base])
-    excused = reasons_of("equivalent.txt")
-    is_excused = lambda mutant: key_of(mutant, "").removesuffix(" #") in excused or keys[mutant["number"]] in excused
-    valid = [mutant for mutant in everything if not mutant.get("invalid")]
-    chosen = [mutant for mutant in valid if fnmatch.fnmatch(mutant["file"], options.files)
-              and is_excused(mutant) == options.equivalents]
-    if options.sample is not None:
-        chosen = sorted(random.Random(options.seed).sample(chosen, min(options.sample, len(chosen))),
-                        key=lambda mutant: mutant["number"])
-
-    results = load("results.json", {})
-    todo = [m for m in chosen if options.again or results.get(keys[m["number"]], {}).get("outcome") != "killed"]
-    started = time.monotonic()
-    with ThreadPoolExecutor(options.jobs) as pool:
-        for done, (mutant, result) in enumerate(zip(todo, pool.map(hunt.result, todo)), 1):
-            results[keys[mutant["number"]]] = result
-            if done % 50 == 0 or done == len(todo):
-                save("results.json", results)
-                print(f"{done} of {len(todo)}, {time.monotonic() - started:.0f} s", flush=True)
-
-    if options.equivalents:
-        killed = [keys[m["number"]] for m in chosen if results[keys[m["number"]]]["outcome"] == "killed"]
-        print("\n".join(f"not equivalent, for a test notices it: {key}" for key in killed))
-        print(f"{len(chosen) - len(killed)} of {len(chosen)} change nothing that a test sees")
-        sys.exit(bool(killed))
-    left_out = defaultdict(int)
-    for mutant in valid:
-        left_out[mutant["file"]] += is_excused(mutant)
-    sys.exit(report(chosen, results, keys, len(everything) - len(valid), left_out, options.write))
-
-
-def report(chosen, results, keys, invalid, left_out, is_written):
-    """The exit status."""
-    rows = defaultdict(lambda: [0, 0])
-    survivors = []
-    for mutant in chosen:
-        killed = results[keys[mutant["number"]]]["outcome"] == "killed"
-        rows[mutant["file"]][0] += 1
-        rows[mutant["file"]][1] += killed
-        if not killed:
-            survivors.append(mutant)
-    for mutant in survivors:
-        print(f"\n{mutant['file']}:{mutant['line']}: {results[keys[mutant['number']]]['by']}")
-        print(f"  - {mutant['old']}\n  + {mutant['new']}")
-    print(f"\n{'mutants':>8} {'killed':>7} {'survived':>9} {'':>7}")
-    rows["in all"] = [sum(row[0] for row in rows.values()), sum(row[1] for row in rows.values())]
-    for name, (count, killed) in rows.items():
-        print(f"{count:8} {killed:7} {count - killed:9} {100 * killed / max(count, 1):6.1f}%  {name}")
-    equivalent = sum(left_out.values())
-    print(f"left out: {equivalent} that change nothing that can be seen, {invalid} that do not compile")
-
-    reasons = reasons_of("surviving.txt")
-    unexplained = [m for m in survivors if keys[m["number"]] not in reasons]
-    for mutant in unexplained:
-        print(f"no reason is known: {keys[mutant['number']]}")
-    if is_written:
-        (ROOT / "tests" / "mutation" / "survivors.md").write_text(page(rows, left_out, survivors, keys, reasons))
-    count, killed = rows["in all"]
-    return int(bool(unexplained) or killed < 0.97 * count)
-
-
-def page(rows, left_out, survivors, keys, reasons):
-    count, killed = rows["in all"]
-    equivalent = sum(left_out.values())
-    cell = lambda text: text.replace("|", "\\|")
-    lines = [
-        "<!-- SPDX-License-Identifier: Apache-2.0 -->",
-        "<!-- Written by scripts/mutate --write. -->",
-        "# The mutants that survive",
-        "",
-        *textwrap.wrap(
-            f"Of {count + equivalent} mutants of the sources of `foundation/` and of its headers that are not "
-            f"installed, {equivalent} are held to change nothing that anybody could see, for the reasons in "
-            f"`equivalent.txt`. Of the others {killed} are killed: {100 * killed / count:.1f} %. "
-            f"{count - killed} survive. One that ran into the time limit counts as killed. Left out are tests that "
-            "look at the package, at symbols or at texts.", 120),
-        "",
-        "| file | mutants | killed | equivalent | survive |",
-        "|---|--:|--:|--:|--:|"]
-    for name, (all_of_it, its_killed) in rows.items():
-        its_equivalent = equivalent if name == "in all" else left_out[name]
-        lines.append(f"| {name.removeprefix('foundation/')} | {all_of_it + its_equivalent} | {its_killed} | "
-                     f"{its_equivalent} | {all_of_it - its_killed} |")
-    lines += ["", "| file, line | change | why |", "|---|---|---|"]
-    for m in survivors:
-        place = f"{m['file'].removeprefix('foundation/')}:{m['line']}"
-        lines.append(f"| {place} | `{cell(m['old'])}` to `{cell(m['new'])}` | "
-                     f"{reasons.get(keys[m['number']], 'not known')} |")
-    return "\n".join(lines) + "\n"
+    TREE.mkdir(parents=True, exist_ok=True)
+    others = output("git", "ls-files", "--others", "--exclude-standard").splitlines()
+    names = {name for name in output("git", "ls-files").splitlines() + others if (ROOT / name).is_file()}
+    changed = options.paths if options.all or options.paths else others + output(
+        "git", "diff", "--name-only", options.base).splitlines()
+    chosen = {name: unit for name, unit in units_of(names).items()
+              if options.all or any(f"{name}/".startswith(path.rstrip("/") + "/") for path in changed)}
+    if not chosen:
+        sys.exit("no file that has mutants was chosen, or has changed")
+    mutants, left_out = prepare(names, chosen)
+    started, noticed = time.monotonic(), 0
+    with ThreadPoolExecutor(os.cpu_count()) as pool:
+        reaching = tests_of_build(pool)
+        results = pool.map(lambda mutant: is_noticed(mutant, reaching[mutant["number"]]), mutants)
+        for mutant, result in zip(mutants, results):
+            noticed += result
+            if not result:
+                print(f"{mutant['file']}:{mutant['line']}: survives: {mutant['change']}", flush=True)
+    rate = noticed / max(len(mutants), 1)
+    print(f"{noticed} of {len(mutants)} mutants noticed, {100 * rate:.1f} %; {left_out} left out, because they do not "
+          f"compile; {time.monotonic() - started:.0f} s for the tests")
+    sys.exit(options.all and rate < BAR)
 
 
 main()

@@ -19,6 +19,7 @@ need() {
 has_program() { command -v "$1"; }
 has_header() { printf '#include <%s>\n' "$1" | "${CXX:-c++}" -E -x c++ - -o /dev/null; }
 has_json_schema() { python3 -c 'import jsonschema' || /usr/bin/python3 -c 'import jsonschema'; }
+has_clang_binding() { /usr/bin/python3 -c 'import clang.cindex'; }
 has_library() { printf 'int main() {}\n' | "${CXX:-c++}" -x c++ - -l"$1" -o /dev/null; }
 
 has_fuzzer() {
@@ -94,6 +95,12 @@ list_group() {
       need libsimdjson-dev "a peer: a JSON library" has_header simdjson.h
       need libnghttp2-dev "a peer: another protocol's negotiation" has_header nghttp2/nghttp2.h
       need libcapnp-dev "another peer: the beginning of its remote calls" has_header capnp/rpc-twoparty.h
+      ;;
+    coverage)
+      need gcovr "reports the lines and branches that no test runs" has_program gcovr
+      ;;
+    mutation)
+      need python3-clang "finds the places in the sources that can be changed" has_clang_binding
       ;;
     ci)
       need clang "the other compiler" has_program clang++
