@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "foundation/corvane/testing/conformance.hpp"
 
+#include <cxxabi.h>
+
 #include <algorithm>
 #include <exception>
 #include <memory>
@@ -126,6 +128,8 @@ bool fails(const ProtocolUnderTest& protocol, const End& end) {
   try {
     install(protocol, end, newest(protocol), firstValues(protocol));
   } catch (const std::bad_alloc&) {
+    throw;
+  } catch (const abi::__forced_unwind&) {  // the thread is being cancelled
     throw;
   } catch (...) {
     return true;
@@ -271,6 +275,8 @@ std::string violation(Conformance conformance, const ProtocolUnderTest& protocol
     throw;
   } catch (const std::exception& error) {
     return std::string("an exception came out: ") + error.what();
+  } catch (const abi::__forced_unwind&) {  // the thread is being cancelled
+    throw;
   } catch (...) {
     return "an exception came out that is no std::exception";
   }

@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 #include <functional>
 #include <memory>
@@ -18,6 +19,7 @@
 #include "foundation/corvane/common/serialization/SerializerBase.hpp"
 #include "foundation/corvane/common/session/Version.hpp"
 #include "foundation/corvane/testing/conformanceTests.hpp"
+#include "tests/sanitizers.hpp"
 
 namespace {
 
@@ -378,6 +380,33 @@ TEST(conformance, LetsRunningOutOfMemoryThrough) {
       calls = 0;
       EXPECT_THROW(violation(check, protocol), std::bad_alloc) << toCString(check) << ' ' << failing;
     }
+  }
+}
+
+TEST(conformance, LetsTheCancellationOfItsThreadThrough) {
+  if (tests::isSanitized) GTEST_SKIP() << "the sanitizers take the unwinding for accesses beyond the stack";
+  const auto protocol = telemetry([](const auto& registry, const auto& asked, const auto& configuration) {
+    ::pthread_testcancel();
+    return install(registry, asked, configuration);
+  });
+  struct Call {
+    Conformance check;
+    const ProtocolUnderTest& protocol;
+  };
+  for (const auto check : allConformance) {
+    Call call{check, protocol};
+    pthread_t thread{};
+    const auto run = [](void* argument) -> void* {
+      const auto& [itsCheck, itsProtocol] = *static_cast<Call*>(argument);
+      ::pthread_cancel(::pthread_self());
+      return violation(itsCheck, itsProtocol).empty() ? nullptr : argument;
+    };
+    ASSERT_EQ(::pthread_create(&thread, nullptr, run, &call), 0);
+
+    void* result = nullptr;
+    ASSERT_EQ(::pthread_join(thread, &result), 0);
+
+    EXPECT_EQ(result, PTHREAD_CANCELED) << toCString(check);
   }
 }
 
