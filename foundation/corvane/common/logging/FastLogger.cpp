@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "foundation/corvane/common/logging/FastLogger.hpp"
 
+#include <array>
 #include <cstddef>
 #include <iostream>
 #include <memory>
@@ -64,8 +65,8 @@ class __attribute__((visibility("hidden"))) FastLogger::ProcessReference {
   ~ProcessReference() {
     FastLogger* logger = nullptr;
     // If there is no logger, later calls of instance() must not make one. Never destroyed, like every ProcessLogger.
-    alignas(ProcessLogger) static std::byte storage[sizeof(ProcessLogger)];
-    auto* const withoutLog = ::new (storage) ProcessLogger(nullptr);
+    alignas(ProcessLogger) static std::array<std::byte, sizeof(ProcessLogger)> storage;
+    auto* const withoutLog = ::new (storage.data()) ProcessLogger(nullptr);
     if (!processLogger.compare_exchange_strong(logger, withoutLog))
       ProcessLogger::of(logger)->dropOwnReference();
   }
