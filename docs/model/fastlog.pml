@@ -3,13 +3,19 @@
  * The event log as its threads see it: the ring, the exchange of the logs by a snapshot, late writers, readers.
  * scripts/model runs every check; docs/fastlog-model.md says what they show, and what the model leaves out.
  *
- * A step is one access to memory that others see; what only the checks know changes in the same step, as early as it
- * may, so that a check is as sharp as it can be. Memory is sequentially consistent but for the four stores of an event:
- * they become visible in every order that their memory orders allow, the first text before the second, which is a
- * release, and nothing else. The four texts of an event are its number, 1 and up; 0 is null.
+ * A step is one access to memory that others see; accesses.txt lists them as they are in the code. What only the checks
+ * know changes in the same step, as early as it may, so that a check is as sharp as it can be. The four texts of an event
+ * are its number, 1 and up; 0 is null.
+ *
+ * The stores of an event are releases, so they become visible in their order; its loads are acquires, so they happen in
+ * theirs. What that means for the bytes behind the pointers is counted: a writer knows the bytes of the texts that it
+ * saved. Each release leaves in the variable what its thread knows, and each acquire takes over what it finds there.
+ * A thread that follows a pointer to bytes that it does not know might read anything there.
  *
  * Macros say what a check looks at:
  *   SLOTS, TEXTS (a record), WRITERS, EVENTS (a writer), OWNERS (each takes one snapshot), READERS    how many
+ *   DUMPS          readers read as dumpFastLog does, by copies that the kernel makes
+ *   RELAXED_STORE, RELAXED_LOAD    the number of a text that is stored, or loaded, without a memory order
  *   FIND_...       claims what is not promised: the counterexample shows why
  *   PLANTED_...    a fault, to see that the check would find it
  *   WATCHED        a thread that has to come back whatever the others do, or do not
@@ -32,6 +38,12 @@
 #ifndef TEXTS
 #define TEXTS 4
 #endif
+#ifndef RELAXED_STORE
+#define RELAXED_STORE 0
+#endif
+#ifndef RELAXED_LOAD
+#define RELAXED_LOAD 0
+#endif
 #define LOGS (OWNERS + 1)
 #define ALL_EVENTS (WRITERS * EVENTS)
 #define NOWHERE 255
@@ -42,19 +54,23 @@
 #define KNOWN_THREADS THREADS
 #endif
 
+/* What a variable passes on is a set of events, a bit for each. A thread that acquires it knows the bytes of their texts. */
 typedef Record {
-  byte text[TEXTS]
+  byte text[TEXTS];
+  byte passes_on[TEXTS]
 };
 
 typedef Log {
   Record ring[SLOTS];
   byte count;
+  byte count_passes_on;
   bool freed
 };
 
 /* What the program has. */
 Log logs[LOGS];
 byte current = 0;
+byte current_passes_on = 0;
 
 /* What only the checks know: of an event the log and the slot in which it took a place, and whether its call returned;
  * of a log the places that were handed out, and whether a snapshot returned it; of a thread the calls that it began,
@@ -99,11 +115,8 @@ bool locked;
 /* Texts that are still to be stored, or loaded: bits 1 to 4. */
 #define ALL_TEXTS ((1 << (TEXTS + 1)) - 2)
 #define LEFT(number) (left & (1 << number))
-#ifdef PLANTED_RELAXED_STORE
-#define MAY_STORE_TEXT2 LEFT(2)
-#else
-#define MAY_STORE_TEXT2 (LEFT(2) && !LEFT(1))
-#endif
+/* A release waits for all stores before it. */
+#define MAY_STORE(number) (LEFT(number) && (number == RELAXED_STORE || !(left & ((1 << number) - 1))))
 
 inline store(number) {
   MAY_STOP(me);
@@ -111,6 +124,7 @@ inline store(number) {
     assert(!logs[log].freed);
     printf("  writer %d stores text%d of event %d in slot %d of log %d\n", me, number, event, slot, log);
     logs[log].ring[slot].text[number - 1] = event;
+    logs[log].ring[slot].passes_on[number - 1] = (number == RELAXED_STORE -> 0 : knows);
     left = left & ~(1 << number);
     if
     :: left == 0 ->
@@ -124,7 +138,7 @@ inline store(number) {
 
 /* FastLogger::log, EVENTS times. */
 proctype Writer(byte me) {
-  byte log, place, slot, event, left, i;
+  byte log, place, slot, event, left, knows, i;
   bool gone[LOGS];
 
   do
@@ -137,7 +151,10 @@ proctype Writer(byte me) {
        calls[me]++;
        for (i : 0 .. LOGS - 1) { gone[i] = returned[i] }
        i = 0;
+       /* It saves the texts: their bytes are written before the pointers. */
+       knows = knows | (1 << event);
        log = current;
+       knows = knows | current_passes_on;
        printf("  writer %d has event %d, and reads the pointer: log %d\n", me, event, log)
      }
      MAY_STOP(me);
@@ -150,6 +167,8 @@ proctype Writer(byte me) {
        place = logs[log].count;
 #endif
        logs[log].count = place + 1;
+       knows = knows | logs[log].count_passes_on;
+       logs[log].count_passes_on = knows;
        slot = place % SLOTS;
        printf("  writer %d takes place %d of log %d for event %d: slot %d\n", me, place, log, event, slot);
        /* Every value of a log's count is handed out once; an event has one place, in one log, */
@@ -168,11 +187,11 @@ proctype Writer(byte me) {
        left = ALL_TEXTS
      }
      do
-     :: LEFT(1) -> store(1)
-     :: MAY_STORE_TEXT2 -> store(2)
+     :: MAY_STORE(1) -> store(1)
+     :: MAY_STORE(2) -> store(2)
 #if TEXTS == 4
-     :: LEFT(3) -> store(3)
-     :: LEFT(4) -> store(4)
+     :: MAY_STORE(3) -> store(3)
+     :: MAY_STORE(4) -> store(4)
 #endif
      :: left == 0 -> break
      od;
@@ -188,11 +207,39 @@ inline load(number) {
   atomic {
     assert(!logs[log].freed);
     seen[number - 1] = logs[log].ring[slot].text[number - 1];
+    if
+    :: number != RELAXED_LOAD -> knows = knows | logs[log].ring[slot].passes_on[number - 1]
+    :: else
+    fi;
     left = left & ~(1 << number)
   }
 }
 
-/* A record as loadRecord reads it: the second text first, the others in any order. */
+/* What is promised of a record that is not empty. */
+inline check_record() {
+  atomic {
+    printf("  reader has read slot %d of log %d: text1 of event %d, text2 of event %d\n", slot, log, seen[0], seen[1]);
+#if TEXTS == 4
+    printf("    text3 of event %d, text4 of event %d (0 is null)\n", seen[2], seen[3]);
+#endif
+    /* A thread that sees a second text sees a first one, */
+    assert(seen[0] != 0);
+    for (i : 0 .. TEXTS - 1) {
+      /* each text is null or of an event that took this slot of this log, */
+      assert(seen[i] == 0 || (log_of[seen[i]] == log && slot_of[seen[i]] == slot));
+      /* and the reader may follow its pointer: it sees the bytes that were saved. */
+      assert(seen[i] == 0 || (knows & (1 << seen[i])))
+    }
+    i = 0;
+#ifdef FIND_TORN
+    for (i : 1 .. TEXTS - 1) { assert(seen[i] == seen[0]) }
+    i = 0;
+#endif
+    skip
+  }
+}
+
+/* A record as LogAccess::load reads it: the second text first, the others in their order. */
 inline load_record() {
   left = ALL_TEXTS;
 #ifdef PLANTED_EARLY_LOAD
@@ -201,34 +248,17 @@ inline load_record() {
   load(2);
   if
   :: seen[1] != 0 ->
-     do
+     if
      :: LEFT(1) -> load(1)
+     :: else
+     fi;
 #if TEXTS == 4
-     :: LEFT(3) -> load(3)
-     :: LEFT(4) -> load(4)
+     load(3);
+     load(4);
 #endif
-     :: left == 0 -> break
-     od;
-     atomic {
-       printf("  reader has read slot %d of log %d: text1 of event %d, text2 of event %d\n", slot, log, seen[0],
-              seen[1]);
-#if TEXTS == 4
-       printf("    text3 of event %d, text4 of event %d (0 is null)\n", seen[2], seen[3]);
-#endif
-       /* Who sees a second text sees a first one, */
-       assert(seen[0] != 0);
-       /* and each text is null or of an event that took this slot of this log. */
-       for (i : 0 .. TEXTS - 1) {
-         assert(seen[i] == 0 || (log_of[seen[i]] == log && slot_of[seen[i]] == slot))
-       }
-       i = 0;
-#ifdef FIND_TORN
-       for (i : 1 .. TEXTS - 1) { assert(seen[i] == seen[0]) }
-       i = 0;
-#endif
-       skip
-     }
-  :: else
+     left = 0;
+     check_record()
+  :: else -> left = 0
   fi
 }
 
@@ -264,6 +294,7 @@ inline print() {
   :: slot < SLOTS ->
      atomic {
        assert(!logs[log].freed);
+       knows = knows | logs[log].ring[slot].passes_on[1];
        if
        :: logs[log].ring[slot].text[1] != 0 -> size++
        :: else
@@ -275,6 +306,7 @@ inline print() {
   atomic {
     assert(!logs[log].freed);
     count = logs[log].count;
+    knows = knows | logs[log].count_passes_on;
     printf("  reader has found %d records, and reads the count: %d\n", size, count)
   }
   print_block(count, SLOTS);
@@ -289,9 +321,67 @@ inline print() {
   skip
 }
 
-/* Who reads the current log, as dumpFastLog does. */
+/* A copy that the kernel makes: of memory that may be freed, and without a memory order. */
+inline copy(number) {
+  atomic {
+    if
+    :: logs[log].freed -> seen[number - 1] = 0
+    :: else ->
+       seen[number - 1] = logs[log].ring[slot].text[number - 1];
+       copied = copied | logs[log].ring[slot].passes_on[number - 1]
+    fi;
+    left = left & ~(1 << number)
+  }
+}
+
+inline fence() {
+  atomic {
+#ifndef PLANTED_NO_FENCE
+    knows = knows | copied;
+#endif
+    copied = 0
+  }
+}
+
+/* dumpFastLog: the second text of a slot, a fence, then all texts in any order, and another fence. */
+inline dump() {
+  slot = 0;
+  do
+  :: slot < SLOTS ->
+     copy(2);
+     fence();
+     if
+     :: seen[1] != 0 ->
+        left = ALL_TEXTS;
+        do
+        :: LEFT(1) -> copy(1)
+        :: LEFT(2) -> copy(2)
+#if TEXTS == 4
+        :: LEFT(3) -> copy(3)
+        :: LEFT(4) -> copy(4)
+#endif
+        :: left == 0 -> break
+        od;
+        fence();
+        if
+        :: !logs[log].freed -> check_record()
+        :: else
+        fi
+     :: else
+     fi;
+     atomic {
+       left = 0;
+       for (i : 0 .. TEXTS - 1) { seen[i] = 0 }
+       i = 0;
+       slot++
+     }
+  :: else -> break
+  od
+}
+
+/* A thread that reads the current log. */
 proctype Reader(byte me) {
-  byte log, slot, count, size, lines, left, i;
+  byte log, slot, count, size, lines, left, knows, copied, i;
   byte seen[TEXTS];
 #ifdef FIND_ORDER_OF_LINES
   byte printed;
@@ -301,9 +391,14 @@ proctype Reader(byte me) {
     inside[me] = true;
     calls[me]++;
     log = current;
+    knows = current_passes_on;
     printf("  reader reads the pointer: log %d\n", log)
   }
+#ifdef DUMPS
+  dump();
+#else
   print();
+#endif
   IS_BACK(me);
   d_step {
     inside[me] = false;
@@ -316,7 +411,7 @@ proctype Reader(byte me) {
 
 /* FastLogger::snapshot, and what its owner does with it. */
 proctype Owner(byte me) {
-  byte log, slot, count, size, lines, left, i;
+  byte log, slot, count, size, lines, left, knows, i;
   byte seen[TEXTS];
   byte calls_then[THREADS];
 #ifdef FIND_ORDER_OF_LINES
@@ -333,6 +428,8 @@ proctype Owner(byte me) {
     log = current;
 #endif
     current = me + 1;
+    knows = knows | current_passes_on;
+    current_passes_on = knows;
     printf("  owner %d takes log %d, log %d is new\n", me, log, current);
     /* Each snapshot gets a log of its own, */
     assert(!returned[log]);

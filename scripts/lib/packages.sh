@@ -123,6 +123,7 @@ list_group() {
     model)
       need spin "checks the model of the event log" has_program spin
       need gcc "compiles what it makes of the model" has_program cc
+      need python3 "compares the code with the table of the model" has_program python3
       ;;
     abi)
       need g++ "builds what is compared" has_program g++
