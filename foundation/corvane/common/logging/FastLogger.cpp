@@ -26,17 +26,16 @@ class __attribute__((visibility("hidden"))) FastLogger::ProcessLogger : public F
   explicit ProcessLogger(std::nullptr_t) noexcept : FastLogger(nullptr) {}
 
   std::shared_ptr<FastLogger> reference() const noexcept {
-    auto held = handle_.lock();
+    if (auto held = handle_.lock()) return held;
     // Without a log there is nothing to count references for.
-    if (held == nullptr) held = {std::shared_ptr<void>(), const_cast<ProcessLogger*>(this)};
-    return held;
+    return {std::shared_ptr<void>(), const_cast<ProcessLogger*>(this)};
   }
 
   void dropOwnReference() noexcept { own_.reset(); }
 
   /// Makes the logger of this process, or returns the one that another thread has made meanwhile. No thread waits
   /// for another one: in the child of a fork that one may not exist.
-  static const ProcessLogger* make() {
+  __attribute__((noinline)) static const ProcessLogger* make() {
     auto made = std::make_unique<ProcessLogger>();
     FastLogger* published = nullptr;
     if (processLogger.compare_exchange_strong(published, made.get())) return made.release();
