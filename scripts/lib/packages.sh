@@ -12,7 +12,7 @@ need() {
   shift 2
   if [[ " ${missing_packages[*]:-} " != *" $package "* ]] && ! "$@" >/dev/null 2>&1; then
     missing_packages+=("$package")
-    printf '  %-34s %s\n' "$package" "$why"
+    printf -v missing_listing '%s  %-34s %s\n' "$missing_listing" "$package" "$why"
   fi
 }
 
@@ -149,16 +149,12 @@ list_group() {
 }
 
 ensure_packages() {
-  local group listing sudo=()
+  local group sudo=()
   missing_packages=()
-  listing=$(mktemp)
-  for group in "$@"; do list_group "$group" >>"$listing"; done
-  if [ ${#missing_packages[@]} -gt 0 ]; then
-    echo "These packages are missing:"
-    cat "$listing"
-  fi
-  rm -f "$listing"
+  missing_listing=
+  for group in "$@"; do list_group "$group"; done
   [ ${#missing_packages[@]} -gt 0 ] || return 0
+  printf 'These packages are missing:\n%s' "$missing_listing"
 
   if ! command -v apt-get >/dev/null; then
     echo "There is no apt-get here to install them with: install their like by hand, then start again." >&2
