@@ -75,7 +75,7 @@ TEST(Registration, ReleasesItsProtocolWhenAnEmptyOneIsMovedIntoIt) {
   Registration empty(protocols, "Control", {}, {});
   const Registration control(std::move(empty));
 
-  telemetry = std::move(empty);
+  telemetry = std::move(empty);  // NOLINT(bugprone-use-after-move,clang-analyzer-cplusplus.Move): deliberate
 
   EXPECT_THAT(protocols->protocolNames(), ElementsAre("Control"));
 }
@@ -98,7 +98,7 @@ TEST(Registration, StaysAsItIsWhenItIsMovedToItself) {
   telemetry = std::move(itself);
 
   EXPECT_THAT(protocols->protocolNames(), ElementsAre("Telemetry"));
-  EXPECT_EQ(telemetry.name(), "Telemetry");
+  EXPECT_EQ(itself.name(), "Telemetry");  // NOLINT(clang-analyzer-cplusplus.Move): deliberate
 }
 
 TEST(Registration, KeepsTheRegistryAlive) {
