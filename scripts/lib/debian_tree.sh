@@ -27,7 +27,8 @@ bare_debian() {
   touch "$tree/ready"
 }
 
-# inside TREE COMMANDS [ARGUMENT...]: runs the commands in the tree. What it mounts is gone after the call.
+# inside TREE COMMANDS [ARGUMENT...]: runs the commands in the tree. What it mounts is gone after the call. Of the
+# environment the tree gets the proxies only: a compiler or a flag that is set for this machine does not fit there.
 inside() {
   local tree=$1 commands=$2
   shift 2
@@ -37,7 +38,10 @@ inside() {
     mount -t proc proc "$tree/proc"
     mkdir -p "$tree/dev/pts"
     mount -t devpts -o newinstance,ptmxmode=0666 devpts "$tree/dev/pts"  # the tests of the program open a terminal
-    exec chroot "$tree" env HOME=/root LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive bash -euo pipefail -c "$@"' \
+    exec chroot "$tree" env -i HOME=/root LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive TERM="${TERM:-dumb}" \
+      PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin \
+      ${http_proxy:+http_proxy="$http_proxy"} ${https_proxy:+https_proxy="$https_proxy"} \
+      bash -euo pipefail -c "$@"' \
     inside "$tree" "$commands" inside "$@"
 }
 

@@ -129,11 +129,17 @@ list_group() {
       need g++ "builds what is compared" has_program g++
       need abigail-tools "compares it" has_program abidiff
       ;;
+    clang-19)
+      need clang-19 "a newer Clang than that of the preset" has_program clang++-19
+      ;;
     platforms)
       need debootstrap "makes the trees of other releases" has_program debootstrap
       need valgrind "looks at every access to memory" has_program valgrind
       need googletest "the test framework, to be built with other flags" test -f /usr/src/googletest/CMakeLists.txt
+      need dpkg-dev "knows the distribution's hardening flags" has_program dpkg-buildflags
       need qemu-user-static "runs programs of other processors" has_program qemu-s390x-static
+      need g++-aarch64-linux-gnu "compiles for ARM64" has_program aarch64-linux-gnu-g++
+      need gdb-multiarch "looks into their core files" has_program gdb-multiarch
       need g++-s390x-linux-gnu "compiles for a processor with the other byte order" has_program s390x-linux-gnu-g++
       ;;
     fuzz)

@@ -4,6 +4,7 @@
 # installed, and stripped. Takes SOURCE (the example), PREFIX, LIBDIR, BINARY, CXX, GDB, STRIP, PYTHON.
 file(REMOVE_RECURSE ${BINARY})
 file(MAKE_DIRECTORY ${BINARY})
+include(${CMAKE_CURRENT_LIST_DIR}/expect_log.cmake)
 set(truncate_core ${CMAKE_CURRENT_LIST_DIR}/truncate_core.py)
 set(view "source ${PREFIX}/share/corvane_common/corvane-gdb.py")
 
@@ -16,24 +17,6 @@ function(run)
   endif()
   if(arg_OUTPUT)
     set(${arg_OUTPUT} "${output}" PARENT_SCOPE)
-  endif()
-endfunction()
-
-# The last event, 1024 of them, and every line of the same form.
-function(expect_log what text)
-  if(NOT text MATCHES "Log size = 1024\n   0  \\([0-9]+\\): worker [1-4]  ")
-    message(SEND_ERROR "${what}: no beginning of the log in\n${text}")
-  endif()
-  if(NOT text MATCHES "\n1023  \\(352\\): main            about to fail             <null>     now                  \n")
-    message(SEND_ERROR "${what}: no last event in\n${text}")
-  endif()
-  string(REGEX MATCHALL "\n *[0-9]+  \\([0-9]+\\): [^\n]+" lines "${text}")
-  list(LENGTH lines count)
-  if(NOT count EQUAL 1024)
-    message(SEND_ERROR "${what}: ${count} events instead of 1024")
-  endif()
-  if(text MATCHES "<unreadable>")
-    message(SEND_ERROR "${what}: unreadable texts")
   endif()
 endfunction()
 

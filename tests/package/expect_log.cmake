@@ -1,0 +1,18 @@
+# SPDX-License-Identifier: Apache-2.0
+# expect_log(WHAT TEXT): the event log of the crash example has 1024 lines of the same form, and the last event.
+function(expect_log what text)
+  if(NOT text MATCHES "Log size = 1024\n   0  \\([0-9]+\\): worker [1-4]  ")
+    message(SEND_ERROR "${what}: no beginning of the log in\n${text}")
+  endif()
+  if(NOT text MATCHES "\n1023  \\(352\\): main            about to fail             <null>     now                  \n")
+    message(SEND_ERROR "${what}: no last event in\n${text}")
+  endif()
+  string(REGEX MATCHALL "\n *[0-9]+  \\([0-9]+\\): [^\n]+" lines "${text}")
+  list(LENGTH lines count)
+  if(NOT count EQUAL 1024)
+    message(SEND_ERROR "${what}: ${count} events instead of 1024")
+  endif()
+  if(text MATCHES "<unreadable>")
+    message(SEND_ERROR "${what}: unreadable texts")
+  endif()
+endfunction()
