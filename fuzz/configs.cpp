@@ -22,5 +22,5 @@ void fuzz::look(std::string_view input) {
            std::count(config.features.begin(), config.features.end(), session::FeatureRequest{}) == 0;
   };
   const bool kept = isKept(tree, "protocolConfigs", configs, isWhole);
-  checkDiagnosis(inspect::Document::ProtocolConfigs, text, tree, written, kept);
+  checkDiagnosis(inspect::DocumentKind::ProtocolConfigs, text, tree, written, kept);
 }

@@ -23,17 +23,17 @@ namespace serialization = foundation::corvane::common::serialization;
 using inspect::Explanation;
 using inspect::FeatureExplanation;
 using inspect::FeatureOutcome;
-using inspect::Ground;
 using inspect::Judgement;
 using inspect::ProtocolExplanation;
 using inspect::ProtocolOutcome;
+using inspect::ReasonKind;
 using inspect::UnaskedAnswer;
 using inspect::Verdict;
 using Configs = std::vector<session::MessageProtocolConfig>;
 using Answer = std::vector<session::MessageProtocolResolution>;
 
-constexpr inspect::Grounds none = 0;
-constexpr inspect::Grounds all = ~none;
+constexpr inspect::ReasonKinds none = 0;
+constexpr inspect::ReasonKinds all = ~none;
 
 // Each request occurs once, in order.
 void checkRequests(const Explanation& explanation, const Configs& configs) {
@@ -79,9 +79,9 @@ bool isOtherValue(const FeatureExplanation& feature) {
 
 // Two who were told of the same negotiation say the same of it.
 void checkGrounds(const Explanation& explanation, const Judgement& judgement) {
-  using enum Ground;
-  const auto reasons = [&](Ground ground) {
-    return static_cast<std::size_t>(std::ranges::count(judgement.reasons, ground, &inspect::Reason::ground));
+  using enum ReasonKind;
+  const auto reasons = [&](ReasonKind kind) {
+    return static_cast<std::size_t>(std::ranges::count(judgement.reasons, kind, &inspect::Reason::kind));
   };
   const auto conflicts = countProtocols(explanation, ProtocolOutcome::VersionConflict);
   FUZZ_CHECK(reasons(VersionConflict) == conflicts);
@@ -92,7 +92,7 @@ void checkGrounds(const Explanation& explanation, const Judgement& judgement) {
   FUZZ_CHECK(reasons(RequiredFailed) == countFeatures(explanation, [](const auto& feature) {
                return isRequired(feature) && feature.outcome != FeatureOutcome::Accepted;
              }));
-  FUZZ_CHECK(reasons(WishFailed) == countFeatures(explanation, [](const auto& feature) {
+  FUZZ_CHECK(reasons(OptionalFailed) == countFeatures(explanation, [](const auto& feature) {
                return !isRequired(feature) && feature.outcome != FeatureOutcome::Accepted &&
                       feature.outcome != FeatureOutcome::ProtocolLost && !isOtherValue(feature);
              }));
@@ -141,11 +141,11 @@ std::shared_ptr<serialization::ProtocolRegistry> protocolsOf(const inspect::Offe
   return protocols;
 }
 
-// A rehearsal is what happens between processes; where these end with an exception, it tells why.
-void checkRehearsal(const Configs& configs, const Answer& rehearsed, const inspect::Offers& offers) {
-  const auto explanation = inspect::explain(configs, rehearsed, offers);
+// A simulation is what happens between processes; where these end with an exception, it tells why.
+void checkSimulation(const Configs& configs, const Answer& simulated, const inspect::Offers& offers) {
+  const auto explanation = inspect::explain(configs, simulated, offers);
   const bool isConflict = countProtocols(explanation, ProtocolOutcome::VersionConflict) != 0;
-  FUZZ_CHECK(explanation.isVoid == isConflict);
+  FUZZ_CHECK(explanation.negotiationFails == isConflict);
   FUZZ_CHECK(explanation.unasked.empty());
   const auto protocols = protocolsOf(offers);
   const auto server = serialization::Registry::create("server");
@@ -157,11 +157,11 @@ void checkRehearsal(const Configs& configs, const Answer& rehearsed, const inspe
   }
   FUZZ_CHECK(answer.has_value() != isConflict);
   if (!answer) return;
-  FUZZ_CHECK(*answer == rehearsed);
+  FUZZ_CHECK(*answer == simulated);
   session::handleProtocolResolutions(protocols, *answer, client);
-  const auto promised = inspect::agreement(*answer);
-  FUZZ_CHECK(inspect::agreement(*server) == promised);
-  FUZZ_CHECK(inspect::agreement(*client) == promised);
+  const auto promised = inspect::agreementOf(*answer);
+  FUZZ_CHECK(inspect::agreementOf(*server) == promised);
+  FUZZ_CHECK(inspect::agreementOf(*client) == promised);
 }
 
 }  // namespace
@@ -171,10 +171,10 @@ void fuzz::look(std::string_view input) {
   const auto offers = inspect::toOffers(text);
   const auto configs = session::toConfigs(text);
   const auto recorded = session::toResolutions(text);
-  const auto rehearsed = inspect::rehearse(configs, offers);
+  const auto simulated = inspect::simulateAnswer(configs, offers);
 
-  checkRehearsal(configs, rehearsed, offers);
-  for (const auto& answer : {rehearsed, recorded}) {
+  checkSimulation(configs, simulated, offers);
+  for (const auto& answer : {simulated, recorded}) {
     checkAnswer(configs, answer, &offers);
     checkAnswer(configs, answer, nullptr);
   }

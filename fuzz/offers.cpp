@@ -22,5 +22,5 @@ void fuzz::look(std::string_view text) {
            std::count(offer.features.begin(), offer.features.end(), session::FeatureRequest{}) == 0;
   };
   const bool kept = isKept(tree, "protocolOffers", offers.protocols, isWhole);
-  checkDiagnosis(inspect::Document::ProtocolOffers, text, tree, written, kept);
+  checkDiagnosis(inspect::DocumentKind::ProtocolOffers, text, tree, written, kept);
 }

@@ -23,5 +23,5 @@ void fuzz::look(std::string_view input) {
            std::count(outcomes.begin(), outcomes.end(), session::FeatureResolution()) == 0;
   };
   const bool kept = isKept(tree, "protocolResolutions", resolutions, isWhole);
-  checkDiagnosis(inspect::Document::ProtocolResolutions, text, tree, written, kept);
+  checkDiagnosis(inspect::DocumentKind::ProtocolResolutions, text, tree, written, kept);
 }

@@ -14,7 +14,7 @@ namespace fuzz {
 
 namespace {
 
-using foundation::corvane::inspect::Document;
+using foundation::corvane::inspect::DocumentKind;
 using foundation::corvane::inspect::Effect;
 using foundation::corvane::inspect::Finding;
 using foundation::corvane::inspect::FindingVisitor;
@@ -81,9 +81,9 @@ const Fields offers{{"protocolOffers",
                      {{"name", false, Type::Text, {}, {}}, {"version", false, Type::Text, {}, {}}},
                      {}}};
 
-const Fields& fieldsOf(Document document) {
-  if (document == Document::ProtocolConfigs) return configs;
-  return document == Document::ProtocolResolutions ? resolutions : offers;
+const Fields& fieldsOf(DocumentKind document) {
+  if (document == DocumentKind::ProtocolConfigs) return configs;
+  return document == DocumentKind::ProtocolResolutions ? resolutions : offers;
 }
 
 // --- what they do look like
@@ -188,7 +188,7 @@ class Teller {
         }
       }
     } else if (value.is(Kind::Number) && std::trunc(value.asDouble() + 0.01) != value.asDouble()) {
-      tell(Rule::FractionalNumber, Effect::Reread, path, value.begin, lost);
+      tell(Rule::FractionalNumber, Effect::Rounded, path, value.begin, lost);
     }
   }
 
@@ -236,7 +236,7 @@ void checkFindings(const std::vector<Finding>& findings, const std::vector<Findi
   }
 }
 
-void checkThatVisitorsMayStop(Document document, std::string_view text,
+void checkThatVisitorsMayStop(DocumentKind document, std::string_view text,
                               const std::vector<Finding>& findings) {
   const auto most = (findings.size() + 1) / 2;
   std::vector<Finding> some;
@@ -251,14 +251,14 @@ void checkThatVisitorsMayStop(Document document, std::string_view text,
 
 void checkDocumentOf(std::string_view text, const std::optional<Node>& tree) {
   if (!tree) return;
-  std::optional<Document> first;
+  std::optional<DocumentKind> first;
   for (const auto& member : tree->members) {
     for (const auto document :
-         {Document::ProtocolConfigs, Document::ProtocolResolutions, Document::ProtocolOffers}) {
+         {DocumentKind::ProtocolConfigs, DocumentKind::ProtocolResolutions, DocumentKind::ProtocolOffers}) {
       if (!first && member.name == listName(document)) first = document;
     }
   }
-  FUZZ_CHECK(foundation::corvane::inspect::documentOf(text) == first);
+  FUZZ_CHECK(foundation::corvane::inspect::documentKindOf(text) == first);
 }
 
 bool isWritten(const Node& tree, const std::string& written) {
@@ -269,13 +269,13 @@ bool isWritten(const Node& tree, const std::string& written) {
 
 }  // namespace
 
-std::vector<Finding> findingsOf(Document document, const Node& tree) {
+std::vector<Finding> findingsOf(DocumentKind document, const Node& tree) {
   Teller teller;
   teller.tellObject(tree, fieldsOf(document), "", isLost(tree, fieldsOf(document)), true);
   return std::move(teller.findings);
 }
 
-void checkDiagnosis(Document document, std::string_view text, const std::optional<Node>& tree,
+void checkDiagnosis(DocumentKind document, std::string_view text, const std::optional<Node>& tree,
                     const std::string& written, bool kept) {
   const auto findings = diagnose(document, text);
 

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "foundation/corvane/inspect/Document.hpp"
+#include "foundation/corvane/inspect/DocumentKind.hpp"
 #include "foundation/corvane/inspect/Finding.hpp"
 #include "fuzz/model/Node.hpp"
 
@@ -15,8 +15,8 @@ namespace fuzz {
 
 /// The findings that a document deserves, by rule, effect, pointer and offset, told of its tree, which is an
 /// object.
-std::vector<foundation::corvane::inspect::Finding> findingsOf(foundation::corvane::inspect::Document document,
-                                                              const Node& tree);
+std::vector<foundation::corvane::inspect::Finding> findingsOf(
+    foundation::corvane::inspect::DocumentKind document, const Node& tree);
 
 /// Whether a reader returned as many records as the list `name` of the tree has elements, and each of them
 /// whole.
@@ -31,7 +31,7 @@ bool isKept(const std::optional<Node>& tree, std::string_view name, const Record
 /// Checks what `diagnose` says of a text, of which `tree` is the tree: against the findings that it deserves,
 /// and against `written`, what the reader's result writes again. `kept` says whether the reader returned as
 /// many records as the list has elements, and no default one among them.
-void checkDiagnosis(foundation::corvane::inspect::Document document, std::string_view text,
+void checkDiagnosis(foundation::corvane::inspect::DocumentKind document, std::string_view text,
                     const std::optional<Node>& tree, const std::string& written, bool kept);
 
 }  // namespace fuzz

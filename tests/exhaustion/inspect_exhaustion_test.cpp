@@ -50,18 +50,18 @@ Agreement theirs() {
 
 TEST(EnumeratorsWithoutMemory, HaveNames) {
   exhaust({"inspect::toCString(DifferenceKind)", "inspect::toCString(Effect)",
-           "inspect::toCString(FeatureOutcome)", "inspect::toCString(Ground)",
+           "inspect::toCString(FeatureOutcome)", "inspect::toCString(ReasonKind)",
            "inspect::toCString(ProtocolOutcome)", "inspect::toCString(Rule)", "inspect::toCString(Verdict)",
            "inspect::listName"},
           [] {
             toCString(DifferenceKind::Value);
             toCString(Effect::Dropped);
             toCString(FeatureOutcome::ProtocolLost);
-            toCString(Ground::ProtocolLost);
-            toCString(ProtocolOutcome::Undefined);
+            toCString(ReasonKind::ProtocolLost);
+            toCString(ProtocolOutcome::AnswerWithoutVersion);
             toCString(Rule::VersionRange);
             toCString(Verdict::Refused);
-            listName(Document::ProtocolOffers);
+            listName(DocumentKind::ProtocolOffers);
           });
 }
 
@@ -69,21 +69,22 @@ TEST(AgreementWithoutMemory, IsTakenOrNot) {
   const auto registry = Registry::create("a connection");
   registry->setInstalledProtocol(name, {1, 0}, {{name, value}, {"a", "1"}});
   registry->setInstalledProtocol("b", {1, 0}, {});
-  exhaust({"inspect::agreement(Registry)"}, [&] { return agreement(*registry); });
+  exhaust({"inspect::agreementOf(Registry)"}, [&] { return agreementOf(*registry); });
 
   const std::vector<common::session::MessageProtocolResolution> answer{
       {name, {1, 0}, {{name, value, common::session::FeatureStatus::success}}}, {"b", {1, 0}, {}}};
-  exhaust({"inspect::agreement(vector<MessageProtocolResolution>)"}, [&] { return agreement(answer); });
+  exhaust({"inspect::agreementOf(vector<MessageProtocolResolution>)"}, [&] { return agreementOf(answer); });
 }
 
 TEST(AgreementWithoutMemory, IsToldOrNot) {
   exhaust({"inspect::toJSON(Agreement)"}, mine, [](const Agreement& given) { return toJSON(given); });
   exhaust({"inspect::fingerprint"}, mine, [](const Agreement& given) { return fingerprint(given); });
   exhaust(
-      {"inspect::difference"}, [] { return std::pair(mine(), theirs()); },
-      [](const auto& ends) { return difference(ends.first, ends.second); });
+      {"inspect::differencesBetween"}, [] { return std::pair(mine(), theirs()); },
+      [](const auto& ends) { return differencesBetween(ends.first, ends.second); });
   exhaust(
-      {"inspect::toText(vector<Difference>, string, string)"}, [] { return difference(mine(), theirs()); },
+      {"inspect::toText(vector<Difference>, string, string)"},
+      [] { return differencesBetween(mine(), theirs()); },
       [](const std::vector<Difference>& differences) { return toText(differences, name, value); });
 }
 
@@ -101,8 +102,9 @@ TEST(OffersWithoutMemory, AreTakenWrittenAndReadOrNot) {
   exhaust({"inspect::toOffers"}, [&] { return toOffers(text); });
 }
 
-TEST(NegotiationWithoutMemory, IsRehearsedOrNot) {
-  exhaust({"inspect::rehearse"}, offers, [](const Offers& given) { return rehearse(configs, given); });
+TEST(NegotiationWithoutMemory, IsSimulatedOrNot) {
+  exhaust({"inspect::simulateAnswer"}, offers,
+          [](const Offers& given) { return simulateAnswer(configs, given); });
 }
 
 TEST(NegotiationWithoutMemory, IsExplainedOrNot) {
@@ -141,9 +143,9 @@ const std::string faulty =
     R"("version":{"major":1.5,"minor":0}},{"name":"","version":{}},2,{"name":"x","name":"y"}]})";
 
 TEST(DiagnosisWithoutMemory, IsMadeOrNot) {
-  const auto document = Document::ProtocolConfigs;
-  exhaust({"inspect::documentOf"}, [] { return documentOf(faulty); });
-  exhaust({"inspect::diagnose(Document, string_view)"}, [&] { return diagnose(document, faulty); });
+  const auto document = DocumentKind::ProtocolConfigs;
+  exhaust({"inspect::documentKindOf"}, [] { return documentKindOf(faulty); });
+  exhaust({"inspect::diagnose(DocumentKind, string_view)"}, [&] { return diagnose(document, faulty); });
   exhaust({"inspect::diagnose(string_view)"}, [] { return diagnose(faulty); });
   exhaust({"inspect::diagnose(string_view)"},
           [] { return diagnose(std::string_view(faulty).substr(0, 99)); });
@@ -160,7 +162,7 @@ TEST(DiagnosisWithoutMemory, IsMadeOrNot) {
       return count;
     };
   };
-  exhaust({"inspect::diagnose(Document, string_view, function<bool (Finding)>)"},
+  exhaust({"inspect::diagnose(DocumentKind, string_view, function<bool (Finding)>)"},
           counting([&] { diagnose(document, faulty, visit); }));
   exhaust({"inspect::diagnose(string_view, function<bool (Finding)>)"},
           counting([&] { diagnose(faulty, visit); }));

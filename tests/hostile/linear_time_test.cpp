@@ -15,7 +15,7 @@
 #include "foundation/corvane/common/serialization/IDText.hpp"
 #include "foundation/corvane/common/session.hpp"
 #include "foundation/corvane/common/uuid.hpp"
-#include "foundation/corvane/inspect/Document.hpp"
+#include "foundation/corvane/inspect/DocumentKind.hpp"
 #include "foundation/corvane/inspect/Offers.hpp"
 #include "foundation/corvane/inspect/diagnose.hpp"
 #include "foundation/json.hpp"
@@ -83,7 +83,7 @@ std::string offers(const std::string& elements) {
   return R"({"protocolOffers":[)" + elements + R"(],"software":{"name":"s","version":"1"}})";
 }
 
-std::size_t countOfFindings(Document document, const std::string& text) {
+std::size_t countOfFindings(DocumentKind document, const std::string& text) {
   std::size_t count = 0;
   diagnose(document, text, [&](const Finding&) {
     ++count;
@@ -228,7 +228,7 @@ TEST(LinearTime, IsWhatManyUnknownMembersTakeInADocument) {
 
   EXPECT_EQ(session::toConfigs(configs("{" + unknown + R"(,"name":"p","version":{)" + unknown + "}}")).at(0),
             MessageProtocolConfig("p", {0, 0}, {}));
-  EXPECT_EQ(documentOf('{' + unknown + R"(,"protocolOffers":0})"), Document::ProtocolOffers);
+  EXPECT_EQ(documentKindOf('{' + unknown + R"(,"protocolOffers":0})"), DocumentKind::ProtocolOffers);
 }
 
 TEST(LinearTime, IsWhatLongTextsTakeInADocument) {
@@ -257,19 +257,20 @@ TEST(LinearTime, IsWhatNestingTakesInADocument) {
 TEST(LinearTime, IsWhatManyFindingsTakeOnManyLines) {
   const auto configsText = configs(list(many, "\n{}"));
 
-  EXPECT_EQ(countOfFindings(Document::ProtocolConfigs, configsText), 2 * many);
-  EXPECT_EQ(countOfFindings(Document::ProtocolResolutions, resolutions(list(many, "\n7"))), many);
-  EXPECT_EQ(countOfFindings(Document::ProtocolOffers, offers(list(many, "\n{}"))), many);
+  EXPECT_EQ(countOfFindings(DocumentKind::ProtocolConfigs, configsText), 2 * many);
+  EXPECT_EQ(countOfFindings(DocumentKind::ProtocolResolutions, resolutions(list(many, "\n7"))), many);
+  EXPECT_EQ(countOfFindings(DocumentKind::ProtocolOffers, offers(list(many, "\n{}"))), many);
 }
 
 TEST(LinearTime, IsWhatFindingsTakeOfMembersThatAreUnknownOrComeTwice) {
   const auto unknown = members(many);
   const auto versions = list(many, version);
 
-  EXPECT_EQ(countOfFindings(Document::ProtocolConfigs, '{' + unknown + R"(,"protocolConfigs":[]})"), many);
-  EXPECT_EQ(
-      countOfFindings(Document::ProtocolConfigs, configs(R"({"features":[],"name":"p",)" + versions + '}')),
-      many - 1);
+  EXPECT_EQ(countOfFindings(DocumentKind::ProtocolConfigs, '{' + unknown + R"(,"protocolConfigs":[]})"),
+            many);
+  EXPECT_EQ(countOfFindings(DocumentKind::ProtocolConfigs,
+                            configs(R"({"features":[],"name":"p",)" + versions + '}')),
+            many - 1);
 }
 
 TEST(LinearTime, IsWhatFindingsTakeWithLongNamesAndLongNumbers) {
@@ -278,8 +279,8 @@ TEST(LinearTime, IsWhatFindingsTakeWithLongNamesAndLongNumbers) {
   const auto text = configs(R"({"features":[],"name":"p","version":{"major":0.)" + digits +
                             R"(,"minor":0},")" + name + R"(":0})");
 
-  EXPECT_EQ(countOfFindings(Document::ProtocolConfigs, text), 2U);
-  EXPECT_EQ(countOfFindings(Document::ProtocolConfigs, times(many, "[\n")), 1U);
+  EXPECT_EQ(countOfFindings(DocumentKind::ProtocolConfigs, text), 2U);
+  EXPECT_EQ(countOfFindings(DocumentKind::ProtocolConfigs, times(many, "[\n")), 1U);
 }
 
 // --- short texts that are long

@@ -14,7 +14,7 @@ int main() {
       {{2, 0}},
       {}};
   int failures = 0;
-  for (const auto check : testing::allConformance) {
+  for (const auto check : testing::allConformanceChecks) {
     const auto violation = testing::violation(check, telemetry);
     if (violation.empty()) continue;
     std::cout << testing::toCString(check) << ": " << violation << '\n';

@@ -9,10 +9,10 @@ int main() {
   const std::vector<common::session::MessageProtocolConfig> request{
       {"Telemetry", {2, 1}, {{"compression", "gzip", common::session::FeatureHandling::required}}}};
   const inspect::Offers offers{"server", "1.0", {{"Telemetry", {{"compression", "lz4"}}}}};
-  const auto answer = inspect::rehearse(request, inspect::toOffers(toJSON(offers)));
+  const auto answer = inspect::simulateAnswer(request, inspect::toOffers(toJSON(offers)));
   std::cout << inspect::toText(inspect::explain(request, answer, offers));
   const auto registry = common::serialization::Registry::create("server");
-  std::cout << common::uuid::toString(fingerprint(inspect::agreement(*registry))) << '\n';
+  std::cout << common::uuid::toString(fingerprint(inspect::agreementOf(*registry))) << '\n';
   const bool refused = inspect::judge(request, answer).verdict == inspect::Verdict::Refused;
   return refused && inspect::diagnose(common::session::toJSON(request)).empty() ? 0 : 1;
 }

@@ -1,17 +1,17 @@
 # SPDX-License-Identifier: Apache-2.0
 # Completes the command line of corvane-negotiate in bash.
 
-_corvane_negotiate_grounds='RequiredFailed WishFailed ProtocolLost OlderVersion NewerVersion UnaskedSuccess OtherValue
+_corvane_negotiate_reasons='RequiredFailed OptionalFailed ProtocolLost OlderVersion NewerVersion UnaskedSuccess OtherValue
   VersionConflict ContradictoryEntries Misread'
 
-# The list that is being typed, with one more ground at its end.
+# The list that is being typed, with one more reason at its end.
 _corvane_negotiate_refuse() {
   local word=$1 before=
   if [[ $word == *,* ]]; then
     before=${word%,*},
-    COMPREPLY=($(compgen -P "$before" -W "$_corvane_negotiate_grounds" -- "${word##*,}"))
+    COMPREPLY=($(compgen -P "$before" -W "$_corvane_negotiate_reasons" -- "${word##*,}"))
   else
-    COMPREPLY=($(compgen -W "$_corvane_negotiate_grounds none all" -- "$word"))
+    COMPREPLY=($(compgen -W "$_corvane_negotiate_reasons none all" -- "$word"))
   fi
 }
 

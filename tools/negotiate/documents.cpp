@@ -26,9 +26,9 @@ struct Findings {
   std::size_t misread = 0;  // those at which something that is there was not taken as it stands
 };
 
-[[noreturn]] void refuse(const std::string& file, inspect::Document expected, const std::string& text,
+[[noreturn]] void refuse(const std::string& file, inspect::DocumentKind expected, const std::string& text,
                          const inspect::Finding& finding) {
-  const auto found = inspect::documentOf(text);
+  const auto found = inspect::documentKindOf(text);
   if (finding.rule == inspect::Rule::MissingMember && found.has_value()) {
     throw InputError(shownName(file) + " holds " + inspect::listName(*found) + ", not " +
                      inspect::listName(expected));
@@ -36,7 +36,7 @@ struct Findings {
   throw InputError(toLine(file, finding));
 }
 
-Findings findingsOf(const std::string& file, inspect::Document document, const std::string& text) {
+Findings findingsOf(const std::string& file, inspect::DocumentKind document, const std::string& text) {
   Findings findings;
   inspect::diagnose(document, text, [&](const inspect::Finding& finding) {
     if (finding.effect == inspect::Effect::DocumentLost) refuse(file, document, text, finding);
@@ -58,8 +58,8 @@ Records shrunk(Records records, List list) {
 
 }  // namespace
 
-Document readDocument(const std::string& file, inspect::Document kind) {
-  Document document{file, kind, readFile(file), 0};
+DocumentFile readDocument(const std::string& file, inspect::DocumentKind kind) {
+  DocumentFile document{file, kind, readFile(file), 0};
   const auto findings = findingsOf(file, kind, document.text);
   document.misread = findings.misread;
   for (const auto& line : findings.lines) tell(line);
@@ -70,18 +70,18 @@ Document readDocument(const std::string& file, inspect::Document kind) {
   return document;
 }
 
-Request toRequest(Document&& document) {
+Request toRequest(DocumentFile&& document) {
   const auto text = std::move(document.text);
   return {shrunk(session::toConfigs(text), &session::MessageProtocolConfig::features), document.misread};
 }
 
-Answer toAnswer(Document&& document) {
+Answer toAnswer(DocumentFile&& document) {
   const auto text = std::move(document.text);
   return {shrunk(session::toResolutions(text), &session::MessageProtocolResolution::resolutions),
           document.misread};
 }
 
-inspect::Offers toOffers(Document&& document) {
+inspect::Offers toOffers(DocumentFile&& document) {
   const auto text = std::move(document.text);
   auto offers = inspect::toOffers(text);
   offers.protocols = shrunk(std::move(offers.protocols), &inspect::ProtocolOffer::features);

@@ -4,18 +4,18 @@
 
 #include "commands.hpp"
 #include "documents.hpp"
-#include "judgeRead.hpp"
+#include "judgeDocuments.hpp"
 #include "report.hpp"
 
 namespace negotiate {
 
 ExitStatus explain(const Options& options, Output& out) {
   namespace inspect = foundation::corvane::inspect;
-  std::vector<Document> documents;
-  documents.push_back(readDocument(options.files.at(0), inspect::Document::ProtocolConfigs));
-  documents.push_back(readDocument(options.files.at(1), inspect::Document::ProtocolResolutions));
+  std::vector<DocumentFile> documents;
+  documents.push_back(readDocument(options.files.at(0), inspect::DocumentKind::ProtocolConfigs));
+  documents.push_back(readDocument(options.files.at(1), inspect::DocumentKind::ProtocolResolutions));
   if (!options.offers.empty()) {
-    documents.push_back(readDocument(options.offers, inspect::Document::ProtocolOffers));
+    documents.push_back(readDocument(options.offers, inspect::DocumentKind::ProtocolOffers));
   }
   report(documents, options, out);
   const auto request = toRequest(std::move(documents[0]));
@@ -24,7 +24,7 @@ ExitStatus explain(const Options& options, Output& out) {
              ? inspect::explain(request.records, answer.records)
              : inspect::explain(request.records, answer.records, toOffers(std::move(documents[2]))),
          options, out);
-  return report(judgeRead(request, answer, options.refusals), options, out);
+  return report(judgeDocuments(request, answer, options.refusals), options, out);
 }
 
 }  // namespace negotiate

@@ -20,7 +20,7 @@ std::string toLine(const std::string& file, const inspect::Finding& finding) {
   return inspect::printable(line);
 }
 
-std::string toJson(const std::string& file, inspect::Document document, const inspect::Finding& finding) {
+std::string toJson(const std::string& file, inspect::DocumentKind document, const inspect::Finding& finding) {
   const auto number = [](std::size_t value) { return json::Value(static_cast<std::uint64_t>(value)); };
   return inspect::detail::wellFormed(
       json::serialize(json::Object{{"file", shownName(file)},

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "foundation/corvane/inspect/Document.hpp"
+#include "foundation/corvane/inspect/DocumentKind.hpp"
 #include "foundation/corvane/inspect/Finding.hpp"
 
 namespace negotiate {
@@ -12,7 +12,7 @@ namespace negotiate {
 std::string toLine(const std::string& file, const foundation::corvane::inspect::Finding& finding);
 
 /// All of it as one JSON object in a line: UTF-8, with U+FFFD for what is ill-formed in the texts.
-std::string toJson(const std::string& file, foundation::corvane::inspect::Document document,
+std::string toJson(const std::string& file, foundation::corvane::inspect::DocumentKind document,
                    const foundation::corvane::inspect::Finding& finding);
 
 }  // namespace negotiate

@@ -8,7 +8,7 @@ namespace {
 const char* const program =
     "Says what a negotiation of protocols leaves unsaid.\n"
     "\n"
-    "  corvane-negotiate lint FILE...                      what a reader drops, defaults or rereads in "
+    "  corvane-negotiate lint FILE...                      what a reader drops, defaults or rounds in "
     "documents\n"
     "  corvane-negotiate check --offers OFFERS REQUEST     what a server with these offers would answer, and "
     "why\n"
@@ -27,7 +27,7 @@ const char* usageOf(Command command) {
     case Command::lint:
       return "corvane-negotiate lint [OPTION...] FILE...\n"
              "\n"
-             "Tells each place at which a reader drops, defaults or rereads something of the documents: "
+             "Tells each place at which a reader drops, defaults or rounds something of the documents: "
              "requests,\n"
              "answers or offers, told apart by their lists.\n"
              "\n"

@@ -17,7 +17,7 @@ class Linter {
 
   void lint(const std::string& file) {
     const auto text = readFile(file);
-    const auto document = inspect::documentOf(text).value_or(inspect::Document::ProtocolConfigs);
+    const auto document = inspect::documentKindOf(text).value_or(inspect::DocumentKind::ProtocolConfigs);
     inspect::diagnose(text, [&](const inspect::Finding& finding) {
       if (told_ == options_.max) {
         more_ = true;

@@ -7,8 +7,8 @@
 
 #include "commands.hpp"
 #include "documents.hpp"
-#include "foundation/corvane/inspect/rehearse.hpp"
-#include "judgeRead.hpp"
+#include "foundation/corvane/inspect/simulateAnswer.hpp"
+#include "judgeDocuments.hpp"
 #include "readFile.hpp"
 #include "table.hpp"
 
@@ -34,17 +34,17 @@ void distinguish(std::vector<std::string>& headings, const std::vector<std::stri
   }
 }
 
-// The verdict and, where it is not the best, its grounds, each once: first those that refuse.
+// The verdict and, where it is not the best, its reasons, each once: first those that refuse.
 std::string cellOf(const inspect::Judgement& judgement) {
   std::string cell = toCString(judgement.verdict);
   std::vector<std::string_view> told;
   for (const bool refuse : {true, false}) {
     for (const auto& reason : judgement.reasons) {
-      const std::string_view ground = toCString(reason.ground);
-      if (reason.refuses != refuse || std::ranges::find(told, ground) != told.end()) continue;
+      const std::string_view kind = toCString(reason.kind);
+      if (reason.refuses != refuse || std::ranges::find(told, kind) != told.end()) continue;
       cell += told.empty() ? ": " : ", ";
-      cell += ground;
-      told.push_back(ground);
+      cell += kind;
+      told.push_back(kind);
     }
   }
   return cell;
@@ -56,7 +56,7 @@ ExitStatus matrix(const Options& options, Output& out) {
   std::vector<inspect::Offers> servers;
   std::vector<std::string> headings;
   for (const auto& file : options.files) {
-    servers.push_back(toOffers(readDocument(file, inspect::Document::ProtocolOffers)));
+    servers.push_back(toOffers(readDocument(file, inspect::DocumentKind::ProtocolOffers)));
     headings.push_back(headingOf(servers.back(), file));
   }
   distinguish(headings, options.files);
@@ -65,12 +65,12 @@ ExitStatus matrix(const Options& options, Output& out) {
 
   auto worst = inspect::Verdict::Agreed;
   for (const auto& file : options.requests) {
-    const auto request = toRequest(readDocument(file, inspect::Document::ProtocolConfigs));
+    const auto request = toRequest(readDocument(file, inspect::DocumentKind::ProtocolConfigs));
     auto& row = table.emplace_back();
     row.push_back(shownName(file));
     for (const auto& offers : servers) {
-      const Answer answer{inspect::rehearse(request.records, offers)};
-      const auto judgement = judgeRead(request, answer, options.refusals);
+      const Answer answer{inspect::simulateAnswer(request.records, offers)};
+      const auto judgement = judgeDocuments(request, answer, options.refusals);
       row.push_back(cellOf(judgement));
       worst = std::max(worst, judgement.verdict);
     }

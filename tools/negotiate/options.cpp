@@ -35,9 +35,9 @@ po::options_description optionsOf(Command command) {
   }
   if (command == Command::matrix) add("markdown", po::bool_switch(), "tell it as a Markdown table");
   if (command != Command::lint) {
-    add("refuse", po::value<std::string>()->value_name("GROUND[,GROUND...]"),
-        ("the grounds on which to refuse: none, all, or some of " + groundNames(toGrounds("all")) +
-         ". If this is not given, they are " + groundNames(Options().refusals) + ".")
+    add("refuse", po::value<std::string>()->value_name("REASON[,REASON...]"),
+        ("the reasons for which to refuse: none, all, or some of " + namesOf(toReasonKinds("all")) +
+         ". If this is not given, they are " + namesOf(Options().refusals) + ".")
             .c_str());
   }
   add("help,h", po::bool_switch(), "tell this, and end");
@@ -88,7 +88,7 @@ void read(const po::variables_map& values, Options& options) {
   options.markdown = isOn(values, "markdown");
   if (const auto* const text = textOf(values, "offers")) options.offers = *text;
   if (const auto* const text = textOf(values, "max")) options.max = toMax(*text);
-  if (const auto* const text = textOf(values, "refuse")) options.refusals = toGrounds(*text);
+  if (const auto* const text = textOf(values, "refuse")) options.refusals = toReasonKinds(*text);
   const auto* const colour = textOf(values, "colour");
   options.colour = toColour(colour != nullptr ? *colour : "auto");
 }

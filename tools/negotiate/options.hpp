@@ -25,7 +25,7 @@ struct Options {
   std::size_t max = std::numeric_limits<std::size_t>::max();  ///< how many findings to tell
   bool json = false;
   bool markdown = false;
-  foundation::corvane::inspect::Grounds refusals = foundation::corvane::inspect::usualRefusals;
+  foundation::corvane::inspect::ReasonKinds refusals = foundation::corvane::inspect::defaultRefusals;
   foundation::corvane::inspect::Colour colour = foundation::corvane::inspect::Colour::Off;
 };
 

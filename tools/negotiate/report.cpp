@@ -31,7 +31,7 @@ std::string reasonsOf(const inspect::Judgement& judgement, bool refuse) {
   for (const auto& reason : judgement.reasons) {
     if (reason.refuses != refuse || ++count > most) continue;
     if (!text.empty()) text += "; ";
-    text += inspect::printable(reason.sentence) + " [" + toCString(reason.ground) + ']';
+    text += inspect::printable(reason.sentence) + " [" + toCString(reason.kind) + ']';
   }
   if (count > most) text += "; and " + std::to_string(count - most) + " more";
   return text;
@@ -48,7 +48,7 @@ std::string verdictLine(const inspect::Judgement& judgement, inspect::Colour col
 }
 
 std::string asJson(const inspect::Reason& reason) {
-  return inspect::detail::wellFormed(json::serialize(json::Object{{"ground", toCString(reason.ground)},
+  return inspect::detail::wellFormed(json::serialize(json::Object{{"kind", toCString(reason.kind)},
                                                                   {"refuses", reason.refuses},
                                                                   {"protocol", reason.protocol},
                                                                   {"feature", reason.feature},
@@ -71,7 +71,7 @@ class Elements {
   bool isFirst_ = true;
 };
 
-void writeFindings(const Document& document, Elements& elements, const Output& out) {
+void writeFindings(const DocumentFile& document, Elements& elements, const Output& out) {
   inspect::diagnose(document.kind, document.text, [&](const inspect::Finding& finding) {
     elements.write(toJson(document.file, document.kind, finding));
     return !out.abandoned();
@@ -89,7 +89,7 @@ void writeJson(const inspect::Judgement& judgement, Output& out) {
 
 }  // namespace
 
-void report(const std::vector<Document>& documents, const Options& options, Output& out) {
+void report(const std::vector<DocumentFile>& documents, const Options& options, Output& out) {
   if (!options.json) return;
   out.write(R"({"findings":[)");
   Elements elements(out);

@@ -14,7 +14,7 @@ namespace negotiate {
 // before the next one takes its memory. As JSON they are one object.
 
 /// Tells the findings of the documents, where everything is told as JSON.
-void report(const std::vector<Document>& documents, const Options& options, Output& out);
+void report(const std::vector<DocumentFile>& documents, const Options& options, Output& out);
 
 /// Tells what became of each request.
 void report(const foundation::corvane::inspect::Explanation& explanation, const Options& options,

@@ -14,20 +14,21 @@ namespace inspect = foundation::corvane::inspect;
 
 namespace {
 
-// The library tells which grounds there are: they have names, and follow each other bit by bit.
-std::vector<inspect::Ground> allGrounds() {
-  std::vector<inspect::Ground> grounds;
-  for (inspect::Grounds bit = 1; *inspect::toCString(static_cast<inspect::Ground>(bit)) != '\0'; bit <<= 1U) {
-    grounds.push_back(static_cast<inspect::Ground>(bit));
+// The kinds that the library knows have names, and follow each other bit by bit.
+std::vector<inspect::ReasonKind> allReasonKinds() {
+  std::vector<inspect::ReasonKind> kinds;
+  for (inspect::ReasonKinds bit = 1; *inspect::toCString(static_cast<inspect::ReasonKind>(bit)) != '\0';
+       bit <<= 1U) {
+    kinds.push_back(static_cast<inspect::ReasonKind>(bit));
   }
-  return grounds;
+  return kinds;
 }
 
-inspect::Ground toGround(std::string_view name) {
-  for (const auto ground : allGrounds()) {
-    if (name == inspect::toCString(ground)) return ground;
+inspect::ReasonKind toReasonKind(std::string_view name) {
+  for (const auto kind : allReasonKinds()) {
+    if (name == inspect::toCString(kind)) return kind;
   }
-  throw UsageError("'" + std::string(name) + "' is no ground: there are " + groundNames(toGrounds("all")));
+  throw UsageError("'" + std::string(name) + "' is no reason: there are " + namesOf(toReasonKinds("all")));
 }
 
 bool terminalTakesColours() {
@@ -40,26 +41,26 @@ bool terminalTakesColours() {
 
 }  // namespace
 
-std::string groundNames(inspect::Grounds grounds) {
+std::string namesOf(inspect::ReasonKinds kinds) {
   std::string names;
-  for (const auto ground : allGrounds()) {
-    if ((grounds & static_cast<inspect::Grounds>(ground)) == 0) continue;
+  for (const auto kind : allReasonKinds()) {
+    if ((kinds & static_cast<inspect::ReasonKinds>(kind)) == 0) continue;
     if (!names.empty()) names += ", ";
-    names += inspect::toCString(ground);
+    names += inspect::toCString(kind);
   }
   return names;
 }
 
-inspect::Grounds toGrounds(std::string_view text) {
-  inspect::Grounds set = 0;
+inspect::ReasonKinds toReasonKinds(std::string_view text) {
+  inspect::ReasonKinds set = 0;
   if (text == "none") return set;
   if (text == "all") {
-    for (const auto ground : allGrounds()) set = set | ground;
+    for (const auto kind : allReasonKinds()) set = set | kind;
     return set;
   }
   while (true) {
     const auto comma = text.find(',');
-    set = set | toGround(text.substr(0, comma));
+    set = set | toReasonKind(text.substr(0, comma));
     if (comma == std::string_view::npos) return set;
     text.remove_prefix(comma + 1);
   }

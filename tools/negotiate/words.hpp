@@ -10,12 +10,12 @@
 // The words that the options take.
 namespace negotiate {
 
-/// The names of the grounds, joined by ", ".
-std::string groundNames(foundation::corvane::inspect::Grounds grounds);
+/// The names of the kinds of reasons, joined by ", ".
+std::string namesOf(foundation::corvane::inspect::ReasonKinds kinds);
 
-/// The set that the text names: grounds joined by commas, or `none`, or `all`.
+/// The set that the text names: kinds of reasons joined by commas, or `none`, or `all`.
 /// @throws UsageError for any other text.
-foundation::corvane::inspect::Grounds toGrounds(std::string_view text);
+foundation::corvane::inspect::ReasonKinds toReasonKinds(std::string_view text);
 
 /// Whether standard output is to be coloured: `always`, `never`, or `auto`, which is yes on a terminal that
 /// knows colours unless the environment has a NO_COLOR that is not empty.

@@ -14,11 +14,11 @@ namespace {
 using enum framing::DomainType;
 
 // Saying hello belongs to bringing up the connection; the rest is about one that is up.
-framing::DomainType domainOf(Document document) {
-  return document == Document::hello ? ConnectorDomain : ControlDomain;
+framing::DomainType domainOf(SetupMessage document) {
+  return document == SetupMessage::hello ? ConnectorDomain : ControlDomain;
 }
 
-bool is(const Frame& frame, Document document) {
+bool is(const Frame& frame, SetupMessage document) {
   return frame.domain == domainOf(document) && frame.message == static_cast<std::uint64_t>(document);
 }
 
@@ -31,14 +31,15 @@ class Refused : public std::runtime_error {
 
 void throwIfRefusal(const Frame& frame, const std::string& peer) {
   constexpr std::size_t enoughForALine = 500;
-  if (is(frame, Document::refusal)) throw Refused(peer + " refuses: " + frame.body.substr(0, enoughForALine));
+  if (is(frame, SetupMessage::refusal))
+    throw Refused(peer + " refuses: " + frame.body.substr(0, enoughForALine));
 }
 
-void Conversation::say(Document document, const std::string& text) {
+void Conversation::say(SetupMessage document, const std::string& text) {
   connection_.send({domainOf(document), 0, static_cast<std::uint64_t>(document), text});
 }
 
-std::string Conversation::hear(Document expected) {
+std::string Conversation::hear(SetupMessage expected) {
   auto frame = connection_.receive();
   throwIfRefusal(frame, connection_.peer());
   if (!is(frame, expected)) {
@@ -51,7 +52,7 @@ std::string Conversation::hear(Document expected) {
 void Conversation::refuse(const std::exception& reason) noexcept {
   if (dynamic_cast<const Refused*>(&reason) != nullptr) return;
   try {
-    say(Document::refusal, reason.what());
+    say(SetupMessage::refusal, reason.what());
   } catch (const std::exception&) {
     // The connection is gone, which is often the reason itself.
   }

@@ -10,7 +10,7 @@
 namespace transfer {
 
 /// The documents by which two ends come to an agreement; the number is the message identifier of their frame.
-enum class Document : std::uint64_t {
+enum class SetupMessage : std::uint64_t {
   hello = 1,      ///< Who is there.
   offers = 2,     ///< What the server offers, to explain the rest: nothing is decided by it.
   requests = 3,   ///< What the client asks for.
@@ -25,11 +25,11 @@ class Conversation {
   explicit Conversation(Connection& connection) : connection_(connection) {}
 
   /// @throws std::runtime_error as `Connection::send`.
-  void say(Document document, const std::string& text);
+  void say(SetupMessage document, const std::string& text);
 
   /// @throws std::runtime_error as `Connection::receive`; if another document comes; and if the peer refuses,
   ///         with its reason.
-  std::string hear(Document expected);
+  std::string hear(SetupMessage expected);
 
   /// Tells the peer, as far as that can still be done. Says nothing to a peer that refused us.
   void refuse(const std::exception& reason) noexcept;

@@ -35,7 +35,7 @@ Hello toHello(const std::string& text) try {
 }
 
 Hello hearHello(Conversation& conversation, const Hello& self) {
-  auto peer = toHello(conversation.hear(Document::hello));
+  auto peer = toHello(conversation.hear(SetupMessage::hello));
   using enum session::SessionType;
   if (peer.end != (self.end == Client ? Server : Client)) {
     throw std::runtime_error("the peer's end of the session is " + toString(peer.end) + ", like ours");
@@ -60,10 +60,10 @@ Hello sayHello(Conversation& conversation, Hello& self) {
   if (self.end == session::SessionType::Server) {
     auto client = hearHello(conversation, self);
     self.sessionID = client.sessionID;
-    conversation.say(Document::hello, toText(self));
+    conversation.say(SetupMessage::hello, toText(self));
     return client;
   }
-  conversation.say(Document::hello, toText(self));
+  conversation.say(SetupMessage::hello, toText(self));
   auto server = hearHello(conversation, self);
   if (server.sessionID != self.sessionID) throw std::runtime_error("the server answers to another session");
   return server;

@@ -88,14 +88,14 @@ void compareFingerprints(const boost::uuids::uuid& ours, const std::string& text
 std::shared_ptr<serialization::Registry> negotiateAsClient(
     Conversation& conversation, const std::shared_ptr<serialization::ProtocolRegistry>& protocols,
     const Requests& requests, const Report& report, const std::string& folder) {
-  const auto offersText = conversation.hear(Document::offers);
+  const auto offersText = conversation.hear(SetupMessage::offers);
   keepDocument(folder, "offers", offersText);
 
   report.print(describeRequests(requests.protocols));
   const auto requestText = toJSON(requests.protocols);
   keepDocument(folder, "request", requestText);
-  conversation.say(Document::requests, requestText);
-  const auto answerText = conversation.hear(Document::answers);
+  conversation.say(SetupMessage::requests, requestText);
+  const auto answerText = conversation.hear(SetupMessage::answers);
   keepDocument(folder, "answer", answerText);
 
   const auto offers = inspect::toOffers(offersText);
@@ -107,9 +107,9 @@ std::shared_ptr<serialization::Registry> negotiateAsClient(
   handleProtocolResolutions(protocols, answers, registry);
   registry->close();
   report.print(describeRegistry(*registry));
-  const auto ours = fingerprint(inspect::agreement(*registry));
-  conversation.say(Document::agreement, toString(ours));
-  compareFingerprints(ours, conversation.hear(Document::agreement), report);
+  const auto ours = fingerprint(inspect::agreementOf(*registry));
+  conversation.say(SetupMessage::agreement, toString(ours));
+  compareFingerprints(ours, conversation.hear(SetupMessage::agreement), report);
   return registry;
 }
 
@@ -117,21 +117,21 @@ std::shared_ptr<serialization::Registry> negotiateAsServer(
     Conversation& conversation, const std::shared_ptr<serialization::ProtocolRegistry>& protocols,
     const Report& report) {
   const auto offers = inspect::offersOf(*protocols);
-  conversation.say(Document::offers, toJSON(offers));
+  conversation.say(SetupMessage::offers, toJSON(offers));
 
-  const auto requests = session::toConfigs(conversation.hear(Document::requests));
+  const auto requests = session::toConfigs(conversation.hear(SetupMessage::requests));
   if (requests.empty()) throw std::runtime_error("the client's request cannot be read");
   report.print(describeRequests(requests) + describeOffers(offers));
 
   auto registry = serialization::Registry::create(protocols->softwareName());
   const auto answers = resolveProtocolRequests(protocols, requests, registry);
   registry->close();
-  conversation.say(Document::answers, toJSON(answers));
+  conversation.say(SetupMessage::answers, toJSON(answers));
   report.print(describeOutcome(explain(requests, answers, offers)) + describeRegistry(*registry));
   // Hears first: should the client object to the answers, this is where its reason comes.
-  const auto theirs = conversation.hear(Document::agreement);
-  const auto ours = fingerprint(inspect::agreement(*registry));
-  conversation.say(Document::agreement, toString(ours));
+  const auto theirs = conversation.hear(SetupMessage::agreement);
+  const auto ours = fingerprint(inspect::agreementOf(*registry));
+  conversation.say(SetupMessage::agreement, toString(ours));
   compareFingerprints(ours, theirs, report);
   return registry;
 }

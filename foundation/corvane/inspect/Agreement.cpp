@@ -128,7 +128,7 @@ bool isOfFeature(DifferenceKind kind) {
 
 }  // namespace
 
-Agreement agreement(const common::serialization::Registry& registry) {
+Agreement agreementOf(const common::serialization::Registry& registry) {
   Agreement agreement;
   for (auto& name : registry.protocols()) {
     const auto configuration = registry.installedConfiguration(name);
@@ -139,7 +139,7 @@ Agreement agreement(const common::serialization::Registry& registry) {
   return agreement;
 }
 
-Agreement agreement(const std::vector<common::session::MessageProtocolResolution>& resolutions) {
+Agreement agreementOf(const std::vector<common::session::MessageProtocolResolution>& resolutions) {
   std::map<std::string_view, AgreedProtocol> protocols;
   for (const auto& resolution : resolutions) {
     if (resolution.version == common::session::undefinedVersion) continue;
@@ -195,7 +195,7 @@ const char* toCString(DifferenceKind kind) noexcept {
   return "";
 }
 
-std::vector<Difference> difference(const Agreement& mine, const Agreement& theirs) {
+std::vector<Difference> differencesBetween(const Agreement& mine, const Agreement& theirs) {
   std::vector<Difference> differences;
   walk(mine.protocols, theirs.protocols, &AgreedProtocol::name,
        [&](const AgreedProtocol* my, const AgreedProtocol* their) {

@@ -37,7 +37,7 @@ struct Agreement {
 /// What `registry` has installed. Its serializers are not looked at.
 /// Threads: as for any reading of a `Registry`.
 /// @throws std::bad_alloc when memory runs out.
-FOUNDATION_EXPORT Agreement agreement(const common::serialization::Registry& registry);
+FOUNDATION_EXPORT Agreement agreementOf(const common::serialization::Registry& registry);
 
 /// What a server's answer promises: each protocol that it has with a version, with the features whose status
 /// is `success`; of answers for one protocol, and of values of one feature, the first. The difference from
@@ -46,7 +46,7 @@ FOUNDATION_EXPORT Agreement agreement(const common::serialization::Registry& reg
 /// connection had before. Pure; linear in its argument, but for the logarithms of its sizes.
 /// @throws std::bad_alloc when memory runs out.
 FOUNDATION_EXPORT Agreement
-agreement(const std::vector<common::session::MessageProtocolResolution>& resolutions);
+agreementOf(const std::vector<common::session::MessageProtocolResolution>& resolutions);
 
 /// The canonical text,
 /// {"protocols":[{"configuration":{...},"name":...,"version":{"major":...,"minor":...}}]}: compact, members
@@ -92,7 +92,7 @@ struct Difference {
 /// of with its version, and then each of its features as one that the other end lacks. Both lists must be
 /// sorted, each name in it once, as those of `agreement` are. Pure; linear.
 /// @throws std::bad_alloc when memory runs out.
-FOUNDATION_EXPORT std::vector<Difference> difference(const Agreement& mine, const Agreement& theirs);
+FOUNDATION_EXPORT std::vector<Difference> differencesBetween(const Agreement& mine, const Agreement& theirs);
 
 /// A line for each difference, a sentence without a full stop, "mine" called `me` and "theirs" called `them`;
 /// empty for none. Texts come whole, and are `printable`.

@@ -19,11 +19,11 @@ using common::session::FeatureStatus;
 using common::session::MessageProtocolConfig;
 using common::session::MessageProtocolResolution;
 using common::session::undefinedVersion;
-using detail::Fate;
 using detail::OfferedProtocol;
 using detail::OfferIndex;
 using detail::ProtocolMatch;
 using detail::quoted;
+using detail::RequestResult;
 
 namespace {
 
@@ -39,21 +39,22 @@ struct Protocol {
 ProtocolOutcome outcomeOfMissing(const Protocol& protocol) {
   if (protocol.match.installation->answer != nullptr || protocol.offered != nullptr)
     return ProtocolOutcome::Declined;
-  return protocol.offers != nullptr ? ProtocolOutcome::Unknown : ProtocolOutcome::UnknownOrDeclined;
+  return protocol.offers != nullptr ? ProtocolOutcome::NotOffered : ProtocolOutcome::NotOfferedOrDeclined;
 }
 
 ProtocolOutcome outcomeOf(const Protocol& protocol) {
-  const auto& [request, answer, installation, fate, features] = protocol.match;
-  switch (fate) {  // unreachable: there is no other fate
-    case Fate::Installed:
+  const auto& [request, answer, installation, result, features] = protocol.match;
+  switch (result) {  // unreachable: there is no other result
+    case RequestResult::Installed:
       break;
-    case Fate::NoVersion:
-      return *request == MessageProtocolConfig{} ? ProtocolOutcome::Unreadable : ProtocolOutcome::NoVersion;
-    case Fate::Missing:
+    case RequestResult::WithoutVersion:
+      return *request == MessageProtocolConfig{} ? ProtocolOutcome::Unreadable
+                                                 : ProtocolOutcome::RequestWithoutVersion;
+    case RequestResult::Missing:
       return outcomeOfMissing(protocol);
-    case Fate::Versionless:
-      return ProtocolOutcome::Undefined;
-    case Fate::Conflict:
+    case RequestResult::AnsweredWithoutVersion:
+      return ProtocolOutcome::AnswerWithoutVersion;
+    case RequestResult::Conflict:
       return ProtocolOutcome::VersionConflict;
   }
   if (answer->version == request->version) return ProtocolOutcome::Agreed;
@@ -118,22 +119,22 @@ std::string whyOf(ProtocolOutcome outcome, const Protocol& protocol) {
       return whyInstalled(protocol, "older");
     case ProtocolOutcome::NewerVersion:
       return whyInstalled(protocol, "newer");
-    case ProtocolOutcome::NoVersion:
+    case ProtocolOutcome::RequestWithoutVersion:
       return "asked for without a version (65535.65535 means none), so the server dropped it";
     case ProtocolOutcome::Unreadable:
       return "the request is empty, as one becomes that could not be read, so the server dropped it; "
              "diagnose the requests' document";
-    case ProtocolOutcome::Unknown:
+    case ProtocolOutcome::NotOffered:
       return whyUnknown(protocol);
     case ProtocolOutcome::Declined:
       return whyDeclined(protocol);
-    case ProtocolOutcome::UnknownOrDeclined:
+    case ProtocolOutcome::NotOfferedOrDeclined:
       return "missing from the answer: the server does not offer it, or its initializer declined " +
              toString(protocol.match.request->version) + "; the server's offers tell which" +
              perhapsConflict(protocol);
     case ProtocolOutcome::VersionConflict:
       return whyConflict(protocol);
-    case ProtocolOutcome::Undefined:
+    case ProtocolOutcome::AnswerWithoutVersion:
       break;
   }
   return "answered without a version (65535.65535 means none), so the client passes it over";
@@ -152,7 +153,7 @@ ProtocolExplanation explain(const Protocol& protocol) {
   ProtocolExplanation explanation;
   explanation.name = match.request->name;
   explanation.asked = match.request->version;
-  if (match.fate == Fate::Installed) explanation.answered = match.answer->version;
+  if (match.result == RequestResult::Installed) explanation.answered = match.answer->version;
   explanation.outcome = outcomeOf(protocol);
   explanation.why = whyOf(explanation.outcome, protocol);
   explanation.features.reserve(match.request->features.size());
@@ -160,7 +161,7 @@ ProtocolExplanation explain(const Protocol& protocol) {
     explanation.features.push_back(detail::explainFeature(
         {match.request->features[i], match.features.requests[i], match, protocol.offered}));
   }
-  if (match.fate == Fate::Installed && !match.isContradicted()) addEnd(explanation, protocol.end);
+  if (match.result == RequestResult::Installed && !match.isContradicted()) addEnd(explanation, protocol.end);
   return explanation;
 }
 
@@ -194,7 +195,7 @@ std::string whyUnasked(const ProtocolMatch& match, const detail::UnaskedEntry& u
   const auto& entry = *unasked.entry;
   std::string why = "nobody asked for it";
   if (unasked.contradicted) why += ", and the answer contradicts itself, with several statuses for it";
-  if (match.fate != Fate::Installed || entry.status != FeatureStatus::success) {
+  if (match.result != RequestResult::Installed || entry.status != FeatureStatus::success) {
     return why + "; it changes nothing";
   }
   const auto value = match.installation->valueOf(entry.name);
@@ -218,7 +219,7 @@ UnaskedAnswer unaskedFeature(const ProtocolMatch& match, const detail::UnaskedEn
 // Where two versions of a protocol meet, the server or the client throws, and nothing is left of the rest.
 std::string endOf(const std::vector<ProtocolMatch>& matches) {
   const auto endsAll = [](const ProtocolMatch& match) {
-    return (match.request != nullptr && match.fate == Fate::Conflict) || match.isContradicted();
+    return (match.request != nullptr && match.result == RequestResult::Conflict) || match.isContradicted();
   };
   const auto end = std::ranges::find_if(matches, endsAll);
   if (end == matches.end()) return {};
@@ -235,7 +236,7 @@ Explanation explain(const std::vector<MessageProtocolConfig>& configs,
   const auto matching = detail::match(configs, resolutions);
   const auto end = endOf(matching.matches);
   Explanation explanation;
-  explanation.isVoid = !end.empty();
+  explanation.negotiationFails = !end.empty();
   explanation.protocols.reserve(configs.size());
   for (std::size_t i = 0; i < configs.size(); ++i) {
     const auto* offered = offers != nullptr ? offers->find(configs[i].name) : nullptr;

@@ -15,40 +15,9 @@
 #include "foundation/corvane/common/session/MessageProtocolResolution.hpp"
 #include "foundation/corvane/common/session/Version.hpp"
 #include "foundation/corvane/inspect/Offers.hpp"
+#include "foundation/corvane/inspect/Outcome.hpp"
 
 namespace foundation::corvane::inspect {
-
-/// What became of a request for a feature.
-enum class FeatureOutcome : std::uint8_t {
-  Accepted,     ///< With the value asked for.
-  Overruled,    ///< A success, but an earlier success of the same name has another value, which counts.
-  Ineffective,  ///< A success, but in a further answer for the protocol; the first one's configuration, which
-                ///< counts, does not have the value.
-  NotOffered,   ///< The protocol does not have the feature.
-  ValueNotOffered,  ///< The protocol has the feature, but not with this value.
-  InvalidHandling,  ///< The answer says `invalid_handling`, which no server of this library does.
-  Unanswered,       ///< The answer has no entry, or one without a status. With this library's servers: not
-                    ///< offered, and asked for without a known handling.
-  ProtocolLost,     ///< The protocol was lost.
-};
-
-/// What became of a request for a protocol.
-enum class ProtocolOutcome : std::uint8_t {
-  Agreed,             ///< Installed at the version asked for.
-  OlderVersion,       ///< Installed at a lower version.
-  NewerVersion,       ///< Installed at a higher version.
-  NoVersion,          ///< Lost: the request has no version, so the server drops it.
-  Unreadable,         ///< Lost: the request is the default record, which is what an unreadable one becomes.
-  Unknown,            ///< Lost: the server does not offer the protocol.
-  Declined,           ///< Lost: the server has the protocol, so its initializer declined, or is empty.
-  UnknownOrDeclined,  ///< Lost: one of these two; there are no offers to tell which.
-  VersionConflict,    ///< Lost: asked for a second time at another version, which ends the negotiation.
-  Undefined,          ///< Lost: it is in the answer, but with no version, so the client passes it over.
-};
-
-/// The names of the enumerators; empty for a value without one. Static storage.
-FOUNDATION_EXPORT const char* toCString(FeatureOutcome outcome) noexcept;
-FOUNDATION_EXPORT const char* toCString(ProtocolOutcome outcome) noexcept;
 
 /// One request for a feature, and what became of it. A plain value.
 struct FeatureExplanation {
@@ -72,7 +41,7 @@ struct ProtocolExplanation {
   std::string name;
   std::pair<unsigned, unsigned> asked = common::session::undefinedVersion;
   std::pair<unsigned, unsigned> answered = common::session::undefinedVersion;  ///< Undefined if it was lost.
-  ProtocolOutcome outcome = ProtocolOutcome::Unknown;
+  ProtocolOutcome outcome = ProtocolOutcome::NotOffered;
   std::string why;                           ///< A sentence for people, without a full stop.
   std::vector<FeatureExplanation> features;  ///< One for each feature requested, in that order.
 
@@ -97,8 +66,8 @@ struct UnaskedAnswer {
 struct Explanation {
   std::vector<ProtocolExplanation> protocols;  ///< One for each configuration, in that order.
   std::vector<UnaskedAnswer> unasked;          ///< In the order of the answer.
-  /// Two versions of a protocol meet, so that one end throws, and nothing of what was agreed holds.
-  bool isVoid = false;
+  /// Two versions of a protocol meet. One end throws, and nothing of what was agreed holds.
+  bool negotiationFails = false;
 
   friend bool operator==(const Explanation&, const Explanation&) = default;
 };
@@ -139,7 +108,7 @@ enum class Colour : std::uint8_t { Off, On };
 /// Columns are as wide as their texts need, counted in UTF-8 characters, but none is padded beyond 40.
 /// Texts of a peer are `printable`, so that no terminal obeys them. In colour an outcome is
 /// green if it is what was asked for, red if a protocol or something required is lost, else yellow; where
-/// the explanation is void, what would be green is red.
+/// the negotiation fails, what would be green is red.
 /// @throws std::bad_alloc when memory runs out.
 FOUNDATION_EXPORT std::string toText(const Explanation& explanation, Colour colour = Colour::Off);
 

@@ -40,8 +40,8 @@ const char* toCString(Effect effect) noexcept {
       return "RecordLost";
     case Effect::Defaulted:
       return "Defaulted";
-    case Effect::Reread:
-      return "Reread";
+    case Effect::Rounded:
+      return "Rounded";
     case Effect::Dropped:
       return "Dropped";
   }

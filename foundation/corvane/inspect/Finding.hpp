@@ -29,7 +29,7 @@ enum class Effect : std::uint8_t {
   ElementLost,   ///< The list is an element shorter.
   RecordLost,    ///< The record is the default one.
   Defaulted,     ///< The member counts as empty, or as 0.
-  Reread,        ///< The number counts as a whole one near it.
+  Rounded,       ///< The number counts as a whole one near it.
   Dropped,       ///< The member counts as not there.
 };
 
@@ -37,7 +37,7 @@ enum class Effect : std::uint8_t {
 FOUNDATION_EXPORT const char* toCString(Rule rule) noexcept;
 FOUNDATION_EXPORT const char* toCString(Effect effect) noexcept;
 
-/// One place in a document at which a reader dropped, defaulted or reread something. A plain value.
+/// One place in a document at which a reader dropped, defaulted or rounded something. A plain value.
 struct Finding {
   Rule rule = Rule::Syntax;
   Effect effect = Effect::DocumentLost;

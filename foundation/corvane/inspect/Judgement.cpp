@@ -19,10 +19,10 @@ using common::session::FeatureStatus;
 using common::session::MessageProtocolConfig;
 using common::session::MessageProtocolResolution;
 using common::session::undefinedVersion;
-using detail::Fate;
 using detail::FeatureMatch;
 using detail::ProtocolMatch;
 using detail::quoted;
+using detail::RequestResult;
 using detail::strength;
 
 namespace {
@@ -46,15 +46,15 @@ std::string failure(const FeatureMatch& match) {
 
 // How a protocol was lost.
 std::string loss(const ProtocolMatch& match) {
-  switch (match.fate) {  // unreachable: there is no other fate
-    case Fate::Installed:
-    case Fate::Missing:
+  switch (match.result) {  // unreachable: there is no other result
+    case RequestResult::Installed:
+    case RequestResult::Missing:
       break;
-    case Fate::NoVersion:
+    case RequestResult::WithoutVersion:
       return "it is asked for without a version";
-    case Fate::Versionless:
+    case RequestResult::AnsweredWithoutVersion:
       return "the answer has no version for it";
-    case Fate::Conflict:
+    case RequestResult::Conflict:
       return "it is asked for at " + toString(match.request->version) + ", and installed at " +
              toString(match.installation->answer->version);
   }
@@ -64,7 +64,7 @@ std::string loss(const ProtocolMatch& match) {
 
 class Judge {
  public:
-  explicit Judge(Grounds refusals) : refusals_(refusals) {}
+  explicit Judge(ReasonKinds refusals) : refusals_(refusals) {}
 
   void judgeRequest(const ProtocolMatch& match) {
     judgeProtocol(match);
@@ -78,7 +78,7 @@ class Judge {
     for (const auto& unasked : match.features.unasked) {
       if (match.request != nullptr) judgeUnaskedEntry(match, *unasked.entry);
       if (unasked.contradicted) {
-        add(Ground::ContradictoryEntries, match.answer->name, unasked.entry->name,
+        add(ReasonKind::ContradictoryEntries, match.answer->name, unasked.entry->name,
             "nobody asked for " + quoted(unasked.entry->message) +
                 ", and its statuses contradict each other");
       }
@@ -89,27 +89,28 @@ class Judge {
 
  private:
   // Sentences stand alone in a log, so they name what they are about.
-  void add(Ground ground, const std::string& protocol, const std::string& feature, const std::string& what) {
-    const bool refuses = (refusals_ & static_cast<Grounds>(ground)) != 0;
+  void add(ReasonKind kind, const std::string& protocol, const std::string& feature,
+           const std::string& what) {
+    const bool refuses = (refusals_ & static_cast<ReasonKinds>(kind)) != 0;
     auto sentence = "protocol " + quoted(protocol);
     if (!feature.empty()) sentence += ", feature " + quoted(feature);
-    judgement_.reasons.push_back({ground, refuses, protocol, feature, sentence + ": " + what});
+    judgement_.reasons.push_back({kind, refuses, protocol, feature, sentence + ": " + what});
     judgement_.verdict = std::max(judgement_.verdict, refuses ? Verdict::Refused : Verdict::Degraded);
   }
 
   void judgeProtocol(const ProtocolMatch& match) {
-    const auto& [request, answer, installation, fate, features] = match;
+    const auto& [request, answer, installation, result, features] = match;
     const auto asked = toString(request->version);
-    if (fate == Fate::Conflict) {
-      add(Ground::VersionConflict, request->name, {},
+    if (result == RequestResult::Conflict) {
+      add(ReasonKind::VersionConflict, request->name, {},
           loss(match) + ": a server of this library throws " + std::string(detail::incompatible) +
               ", and nothing is agreed");
-    } else if (fate != Fate::Installed) {
-      add(Ground::ProtocolLost, request->name, {}, "not installed: " + loss(match));
+    } else if (result != RequestResult::Installed) {
+      add(ReasonKind::ProtocolLost, request->name, {}, "not installed: " + loss(match));
     } else if (answer->version < request->version) {
-      add(Ground::OlderVersion, request->name, {}, versions(match, "older"));
+      add(ReasonKind::OlderVersion, request->name, {}, versions(match, "older"));
     } else if (answer->version > request->version) {
-      add(Ground::NewerVersion, request->name, {}, versions(match, "newer"));
+      add(ReasonKind::NewerVersion, request->name, {}, versions(match, "newer"));
     }
     judgeContradiction(match);
   }
@@ -121,7 +122,7 @@ class Judge {
 
   void judgeContradiction(const ProtocolMatch& match) {
     if (!match.isContradicted()) return;
-    add(Ground::ContradictoryEntries, match.answer->name, {},
+    add(ReasonKind::ContradictoryEntries, match.answer->name, {},
         "answered with " + toString(match.installation->answer->version) + " and with " +
             toString(match.answer->version) + ": the client throws " + std::string(detail::incompatible));
   }
@@ -130,16 +131,16 @@ class Judge {
     const auto& name = protocol.request->name;
     const auto asked = quoted(request.value) + " is " + strength(request.handling) + ", and ";
     const bool isRequired = request.handling == FeatureHandling::required;
-    if (protocol.fate != Fate::Installed) {
-      if (isRequired) add(Ground::RequiredFailed, name, request.name, asked + "lost with the protocol");
+    if (protocol.result != RequestResult::Installed) {
+      if (isRequired) add(ReasonKind::RequiredFailed, name, request.name, asked + "lost with the protocol");
     } else if (!match.succeeded) {
-      add(isRequired ? Ground::RequiredFailed : Ground::WishFailed, name, request.name,
+      add(isRequired ? ReasonKind::RequiredFailed : ReasonKind::OptionalFailed, name, request.name,
           asked + failure(match));
     } else {
       judgeValue(protocol, request);
     }
     if (match.contradicted) {
-      add(Ground::ContradictoryEntries, name, request.name,
+      add(ReasonKind::ContradictoryEntries, name, request.name,
           "the statuses of " + quoted(request.value) + " contradict each other");
     }
   }
@@ -152,52 +153,52 @@ class Judge {
                       (value ? quoted(*value) + " counts, which was agreed before"
                              : "an earlier answer for the protocol counts, which does not have the feature");
     if (request.handling == FeatureHandling::required) {
-      add(Ground::RequiredFailed, name, request.name, strength(request.handling) + ": " + what);
+      add(ReasonKind::RequiredFailed, name, request.name, strength(request.handling) + ": " + what);
     }
-    add(Ground::OtherValue, name, request.name, what);
+    add(ReasonKind::OtherValue, name, request.name, what);
   }
 
   void judgeUnaskedProtocol(const ProtocolMatch& match) {
     if (match.answer->version == undefinedVersion) return;
-    add(Ground::UnaskedSuccess, match.answer->name, {},
+    add(ReasonKind::UnaskedSuccess, match.answer->name, {},
         "installed at " + toString(match.answer->version) + ", and nobody asked for it");
     judgeContradiction(match);
   }
 
   void judgeUnaskedEntry(const ProtocolMatch& match, const common::session::FeatureResolution& entry) {
-    if (match.fate != Fate::Installed || entry.status != FeatureStatus::success) return;
-    add(Ground::UnaskedSuccess, match.answer->name, entry.name,
+    if (match.result != RequestResult::Installed || entry.status != FeatureStatus::success) return;
+    add(ReasonKind::UnaskedSuccess, match.answer->name, entry.name,
         quoted(entry.message) + " is agreed, and nobody asked for it");
   }
 
-  const Grounds refusals_;
+  const ReasonKinds refusals_;
   Judgement judgement_;
 };
 
 }  // namespace
 
 // No default labels, so that the compiler names an enumerator that is missing here.
-const char* toCString(Ground ground) noexcept {
-  switch (ground) {
-    case Ground::RequiredFailed:
+const char* toCString(ReasonKind kind) noexcept {
+  switch (kind) {
+    case ReasonKind::RequiredFailed:
       return "RequiredFailed";
-    case Ground::WishFailed:
-      return "WishFailed";
-    case Ground::ProtocolLost:
+    case ReasonKind::OptionalFailed:
+      return "OptionalFailed";
+    case ReasonKind::ProtocolLost:
       return "ProtocolLost";
-    case Ground::OlderVersion:
+    case ReasonKind::OlderVersion:
       return "OlderVersion";
-    case Ground::NewerVersion:
+    case ReasonKind::NewerVersion:
       return "NewerVersion";
-    case Ground::UnaskedSuccess:
+    case ReasonKind::UnaskedSuccess:
       return "UnaskedSuccess";
-    case Ground::OtherValue:
+    case ReasonKind::OtherValue:
       return "OtherValue";
-    case Ground::VersionConflict:
+    case ReasonKind::VersionConflict:
       return "VersionConflict";
-    case Ground::ContradictoryEntries:
+    case ReasonKind::ContradictoryEntries:
       return "ContradictoryEntries";
-    case Ground::Misread:
+    case ReasonKind::Misread:
       return "Misread";
   }
   return "";
@@ -216,7 +217,7 @@ const char* toCString(Verdict verdict) noexcept {
 }
 
 Judgement judge(const std::vector<MessageProtocolConfig>& configs,
-                const std::vector<MessageProtocolResolution>& resolutions, Grounds refusals) {
+                const std::vector<MessageProtocolResolution>& resolutions, ReasonKinds refusals) {
   const auto matching = detail::match(configs, resolutions);
   Judge judge(refusals);
   for (std::size_t i = 0; i < configs.size(); ++i) judge.judgeRequest(matching.matches[i]);

@@ -3,9 +3,9 @@
 
 #include <utility>
 
-#include "foundation/corvane/inspect/documents/Reporter.hpp"
-#include "foundation/corvane/inspect/documents/Scout.hpp"
-#include "foundation/corvane/inspect/documents/sentences.hpp"
+#include "foundation/corvane/inspect/documents/FirstPass.hpp"
+#include "foundation/corvane/inspect/documents/SecondPass.hpp"
+#include "foundation/corvane/inspect/documents/findingSentences.hpp"
 #include "foundation/corvane/inspect/offers/offersTables.hpp"
 
 namespace foundation::corvane::inspect {
@@ -31,7 +31,7 @@ bool isObject(std::string_view text, const FindingVisitor& visit) {
   Finding finding;
   detail::Place place;
   if (reader.token() == Token::Error) {
-    place = detail::Places(text).at(reader.offset());
+    place = detail::PlaceFinder(text).at(reader.offset());
     finding.message = detail::syntaxError(reader, text, afterEnd);
   } else {
     finding.rule = Rule::NotAnObject;
@@ -46,22 +46,22 @@ bool isObject(std::string_view text, const FindingVisitor& visit) {
 }
 
 template <class Observer>
-void read(Document document, std::string_view text, Observer& observer) {
+void read(DocumentKind document, std::string_view text, Observer& observer) {
   Reader reader(text);
   reader.next();
   switch (document) {
-    case Document::ProtocolConfigs: {
+    case DocumentKind::ProtocolConfigs: {
       std::vector<common::session::MessageProtocolConfig> configs;
       common::session::detail::readRecord<common::session::detail::ConfigsTable>(reader, observer, configs);
       break;
     }
-    case Document::ProtocolResolutions: {
+    case DocumentKind::ProtocolResolutions: {
       std::vector<common::session::MessageProtocolResolution> resolutions;
       common::session::detail::readRecord<common::session::detail::ResolutionsTable>(reader, observer,
                                                                                      resolutions);
       break;
     }
-    case Document::ProtocolOffers: {
+    case DocumentKind::ProtocolOffers: {
       Offers offers;
       common::session::detail::readRecord<detail::OffersTable>(reader, observer, offers);
       break;
@@ -71,21 +71,21 @@ void read(Document document, std::string_view text, Observer& observer) {
 
 }  // namespace
 
-void diagnose(Document document, std::string_view text, const FindingVisitor& visit) {
+void diagnose(DocumentKind document, std::string_view text, const FindingVisitor& visit) {
   if (!isObject(text, visit)) return;
-  detail::Scout scout;
-  read(document, text, scout);
-  detail::Reporter reporter(text, scout.fates(), visit);
+  detail::FirstPass first;
+  read(document, text, first);
+  detail::SecondPass second(text, first.losses(), visit);
   try {
-    read(document, text, reporter);
+    read(document, text, second);
   } catch (const detail::Enough&) {
     // What is left of the text does not matter to anybody.
   }
 }
 
 void diagnose(std::string_view text, const FindingVisitor& visit) {
-  if (const auto document = documentOf(text)) return diagnose(*document, text, visit);
-  diagnose(Document::ProtocolConfigs, text, [&visit](const Finding& finding) {
+  if (const auto document = documentKindOf(text)) return diagnose(*document, text, visit);
+  diagnose(DocumentKind::ProtocolConfigs, text, [&visit](const Finding& finding) {
     if (finding.rule != Rule::MissingMember) return visit(finding);
     auto named = finding;
     named.message =
@@ -95,7 +95,7 @@ void diagnose(std::string_view text, const FindingVisitor& visit) {
   });
 }
 
-std::vector<Finding> diagnose(Document document, std::string_view text) {
+std::vector<Finding> diagnose(DocumentKind document, std::string_view text) {
   std::vector<Finding> findings;
   diagnose(document, text, [&](const Finding& finding) {
     findings.push_back(finding);

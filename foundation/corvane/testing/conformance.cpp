@@ -91,7 +91,7 @@ void checkIdempotence(const ProtocolUnderTest& protocol) {
   }
 }
 
-void checkDeclining(const ProtocolUnderTest& protocol) {
+void checkOtherMajorVersion(const ProtocolUnderTest& protocol) {
   const auto foreignMajor = newest(protocol).first + 1;
   const End end(protocol);
   const auto installed = install(protocol, end, {foreignMajor, 0}, firstValues(protocol)).first;
@@ -102,7 +102,7 @@ void checkDeclining(const ProtocolUnderTest& protocol) {
       "version " + textOf({foreignMajor, 0}) + " was declined, but serializers were left in the registry");
 }
 
-void checkOtherVersion(const ProtocolUnderTest& protocol) {
+void checkNewerMinorVersion(const ProtocolUnderTest& protocol) {
   const auto [highest, minor] = newest(protocol);
   const End end(protocol);
   const auto installed = install(protocol, end, {highest, minor + 1}, firstValues(protocol)).first;
@@ -196,7 +196,7 @@ void negotiate(const ProtocolUnderTest& protocol, const Version& version,
           "client and server have different configurations of version " + textOf(version));
 }
 
-void checkLockstep(const ProtocolUnderTest& protocol) {
+void checkBothEndsAgree(const ProtocolUnderTest& protocol) {
   for (const auto& version : protocol.versions) {
     negotiate(protocol, version, {});
     for (auto feature : protocol.features) {
@@ -220,52 +220,52 @@ void checkUniqueTagsAndTypes(const ProtocolUnderTest& protocol) {
   }
 }
 
-void check(Conformance check, const ProtocolUnderTest& protocol) {
+void check(ConformanceCheck check, const ProtocolUnderTest& protocol) {
   switch (check) {
-    case Conformance::Idempotence:
+    case ConformanceCheck::Idempotence:
       return checkIdempotence(protocol);
-    case Conformance::Declining:
-      return checkDeclining(protocol);
-    case Conformance::OtherVersion:
-      return checkOtherVersion(protocol);
-    case Conformance::AnyConfiguration:
+    case ConformanceCheck::OtherMajorVersion:
+      return checkOtherMajorVersion(protocol);
+    case ConformanceCheck::NewerMinorVersion:
+      return checkNewerMinorVersion(protocol);
+    case ConformanceCheck::AnyConfiguration:
       return checkAnyConfiguration(protocol);
-    case Conformance::FailingInsertion:
+    case ConformanceCheck::FailingInsertion:
       return checkFailingInsertion(protocol);
-    case Conformance::Replay:
+    case ConformanceCheck::Replay:
       return checkReplay(protocol);
-    case Conformance::Lockstep:
-      return checkLockstep(protocol);
-    case Conformance::UniqueTagsAndTypes:
+    case ConformanceCheck::BothEndsAgree:
+      return checkBothEndsAgree(protocol);
+    case ConformanceCheck::UniqueTagsAndTypes:
       return checkUniqueTagsAndTypes(protocol);
   }
 }
 
 }  // namespace
 
-const char* toCString(Conformance check) noexcept {
+const char* toCString(ConformanceCheck check) noexcept {
   switch (check) {
-    case Conformance::Idempotence:
+    case ConformanceCheck::Idempotence:
       return "Idempotence";
-    case Conformance::Declining:
-      return "Declining";
-    case Conformance::OtherVersion:
-      return "OtherVersion";
-    case Conformance::AnyConfiguration:
+    case ConformanceCheck::OtherMajorVersion:
+      return "OtherMajorVersion";
+    case ConformanceCheck::NewerMinorVersion:
+      return "NewerMinorVersion";
+    case ConformanceCheck::AnyConfiguration:
       return "AnyConfiguration";
-    case Conformance::FailingInsertion:
+    case ConformanceCheck::FailingInsertion:
       return "FailingInsertion";
-    case Conformance::Replay:
+    case ConformanceCheck::Replay:
       return "Replay";
-    case Conformance::Lockstep:
-      return "Lockstep";
-    case Conformance::UniqueTagsAndTypes:
+    case ConformanceCheck::BothEndsAgree:
+      return "BothEndsAgree";
+    case ConformanceCheck::UniqueTagsAndTypes:
       return "UniqueTagsAndTypes";
   }
   return "";
 }
 
-std::string violation(Conformance conformance, const ProtocolUnderTest& protocol) {
+std::string violation(ConformanceCheck conformance, const ProtocolUnderTest& protocol) {
   if (protocol.versions.empty()) return "no version is promised";
   try {
     check(conformance, protocol);

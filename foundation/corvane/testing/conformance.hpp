@@ -23,13 +23,13 @@ struct ProtocolUnderTest {
 };
 
 /// What a connection relies on in every protocol. Each check makes registries of its own.
-enum class Conformance : std::uint8_t {
+enum class ConformanceCheck : std::uint8_t {
   /// A second connection gets the same version, configuration and serializers as the first.
   Idempotence,
   /// Another major version is declined, and no serializer left behind.
-  Declining,
+  OtherMajorVersion,
   /// A minor version above all that are supported is declined, or answered with a supported one of its major.
-  OtherVersion,
+  NewerMinorVersion,
   /// An empty configuration, and one with a feature unheard of, are installed without an exception.
   AnyConfiguration,
   /// Where an insertion fails, because a tag is taken or the registry is closed, its exception comes out.
@@ -38,24 +38,25 @@ enum class Conformance : std::uint8_t {
   Replay,
   /// Client and server come out of a negotiation with the same version and configuration: for each version
   /// and each value of each feature.
-  Lockstep,
+  BothEndsAgree,
   /// Each tag is there, once, for a type of its own.
   UniqueTagsAndTypes,
 };
 
 /// All of them.
-inline constexpr std::initializer_list<Conformance> allConformance{
-    Conformance::Idempotence,      Conformance::Declining,         Conformance::OtherVersion,
-    Conformance::AnyConfiguration, Conformance::FailingInsertion,  Conformance::Replay,
-    Conformance::Lockstep,         Conformance::UniqueTagsAndTypes};
+inline constexpr std::initializer_list<ConformanceCheck> allConformanceChecks{
+    ConformanceCheck::Idempotence,       ConformanceCheck::OtherMajorVersion,
+    ConformanceCheck::NewerMinorVersion, ConformanceCheck::AnyConfiguration,
+    ConformanceCheck::FailingInsertion,  ConformanceCheck::Replay,
+    ConformanceCheck::BothEndsAgree,     ConformanceCheck::UniqueTagsAndTypes};
 
 /// The name of the enumerator. Static storage.
-FOUNDATION_EXPORT const char* toCString(Conformance check) noexcept;
+FOUNDATION_EXPORT const char* toCString(ConformanceCheck check) noexcept;
 
 /// Puts the protocol through one check. Empty if it passes, else a sentence that says what it did. No
 /// exception of the initializer comes out. "foundation/corvane/testing/conformanceTests.hpp" makes
 /// GoogleTest's tests of it.
 /// @throws std::bad_alloc when memory runs out.
-FOUNDATION_EXPORT std::string violation(Conformance check, const ProtocolUnderTest& protocol);
+FOUNDATION_EXPORT std::string violation(ConformanceCheck check, const ProtocolUnderTest& protocol);
 
 }  // namespace foundation::corvane::testing

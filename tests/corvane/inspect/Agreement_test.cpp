@@ -55,11 +55,11 @@ const AgreedProtocol telemetry{"Telemetry", {2, 1}, {{"compression", "lz4"}, {"b
 TEST(Agreement, IsWhatTheRegistryHasInstalledSortedByName) {
   const auto registry = registryOf({telemetry, debug});
 
-  EXPECT_EQ(agreement(*registry), (Agreement{{debug, telemetry}}));
+  EXPECT_EQ(agreementOf(*registry), (Agreement{{debug, telemetry}}));
 }
 
 TEST(Agreement, OfAnEmptyRegistryIsEmpty) {
-  EXPECT_EQ(agreement(*Registry::create("test")), Agreement());
+  EXPECT_EQ(agreementOf(*Registry::create("test")), Agreement());
 }
 
 TEST(Agreement, IsWrittenAsOneCompactTextInAFixedOrder) {
@@ -86,10 +86,10 @@ TEST(Fingerprint, StaysTheSameForEver) {
 
 TEST(Fingerprint, DoesNotDependOnTheOrderOfInstallation) {
   std::vector<AgreedProtocol> protocols{{"A", {1, 0}, {}}, {"B", {1, 0}, {{"x", "1"}}}, debug, telemetry};
-  const auto expected = fingerprint(agreement(*registryOf(protocols)));
+  const auto expected = fingerprint(agreementOf(*registryOf(protocols)));
 
   do {
-    EXPECT_EQ(fingerprint(agreement(*registryOf(protocols))), expected);
+    EXPECT_EQ(fingerprint(agreementOf(*registryOf(protocols))), expected);
   } while (std::ranges::next_permutation(protocols, {}, &AgreedProtocol::name).found);
 }
 
@@ -104,11 +104,11 @@ TEST(Difference, IsNamedAsItsEnumerator) {
 }
 
 TEST(Difference, TellsOfAProtocolThatOneEndAloneSpeaksAndOfItsFeatures) {
-  EXPECT_THAT(difference({{debug, telemetry}}, {{debug}}),
+  EXPECT_THAT(differencesBetween({{debug, telemetry}}, {{debug}}),
               ElementsAre(Difference{ProtocolOnlyMine, "Telemetry", "", "2.1", ""},
                           Difference{FeatureOnlyMine, "Telemetry", "batching", "on", ""},
                           Difference{FeatureOnlyMine, "Telemetry", "compression", "lz4", ""}));
-  EXPECT_THAT(difference({{telemetry}}, {{debug, telemetry}}),
+  EXPECT_THAT(differencesBetween({{telemetry}}, {{debug, telemetry}}),
               ElementsAre(Difference{ProtocolOnlyTheirs, "Debug", "", "", "1.0"}));
 }
 
@@ -116,23 +116,24 @@ TEST(Difference, TellsOfEveryVersionAndFeatureInTheOrderOfTheirNames) {
   const Agreement mine{{{"A", {1, 2}, {}}, {"B", {1, 0}, {{"a", "1"}, {"b", "1"}, {"c", "1"}}}}};
   const Agreement theirs{{{"A", {1, 3}, {{"z", "1"}}}, {"B", {1, 0}, {{"b", "2"}, {"c", "1"}, {"d", "3"}}}}};
 
-  EXPECT_THAT(difference(mine, theirs), ElementsAre(Difference{Version, "A", "", "1.2", "1.3"},
-                                                    Difference{FeatureOnlyTheirs, "A", "z", "", "1"},
-                                                    Difference{FeatureOnlyMine, "B", "a", "1", ""},
-                                                    Difference{Value, "B", "b", "1", "2"},
-                                                    Difference{FeatureOnlyTheirs, "B", "d", "", "3"}));
+  EXPECT_THAT(
+      differencesBetween(mine, theirs),
+      ElementsAre(Difference{Version, "A", "", "1.2", "1.3"},
+                  Difference{FeatureOnlyTheirs, "A", "z", "", "1"},
+                  Difference{FeatureOnlyMine, "B", "a", "1", ""}, Difference{Value, "B", "b", "1", "2"},
+                  Difference{FeatureOnlyTheirs, "B", "d", "", "3"}));
 }
 
 TEST(Difference, TellsAnEmptyValueFromNone) {
   const Agreement mine{{{"A", {1, 0}, {{"", ""}}}}};
   const Agreement theirs{{{"A", {1, 0}, {}}}};
 
-  EXPECT_THAT(difference(mine, theirs), ElementsAre(Difference{FeatureOnlyMine, "A", "", "", ""}));
+  EXPECT_THAT(differencesBetween(mine, theirs), ElementsAre(Difference{FeatureOnlyMine, "A", "", "", ""}));
 }
 
 TEST(Difference, OfEqualAgreementsIsNoneInTextToo) {
-  EXPECT_THAT(difference({{debug, telemetry}}, {{debug, telemetry}}), IsEmpty());
-  EXPECT_THAT(difference({}, {}), IsEmpty());
+  EXPECT_THAT(differencesBetween({{debug, telemetry}}, {{debug, telemetry}}), IsEmpty());
+  EXPECT_THAT(differencesBetween({}, {}), IsEmpty());
   EXPECT_EQ(toText(std::vector<Difference>()), "");
 }
 
@@ -257,7 +258,7 @@ class Registries {
 };
 
 void expectTold(const Agreement& mine, const Agreement& theirs) {
-  const auto differences = difference(mine, theirs);
+  const auto differences = differencesBetween(mine, theirs);
 
   EXPECT_EQ(fingerprint(mine) == fingerprint(theirs), mine == theirs);
   EXPECT_EQ(toJSON(mine) == toJSON(theirs), mine == theirs);
@@ -276,9 +277,9 @@ TEST(Difference, TurnsMineIntoTheirsAndIsNoneExactlyIfTheFingerprintsAreEqual) {
   std::array<int, 2> seen{};
   for (int run = 0; run < 1000; ++run) {
     const auto protocols = registries.next();
-    const auto mine = agreement(*registryOf(protocols));
+    const auto mine = agreementOf(*registryOf(protocols));
     for (const auto& others : {registries.like(protocols), registries.next()}) {
-      const auto theirs = agreement(*registryOf(others));
+      const auto theirs = agreementOf(*registryOf(others));
       expectTold(mine, theirs);
       ++seen.at(mine == theirs ? 1 : 0);
     }
@@ -316,13 +317,13 @@ TEST(Agreement, HasOneFingerprintOnBothEndsOfANegotiation) {
   server.protocols->installProtocol("Builtin", {1, 0}, {}, server.registry);
 
   ASSERT_NE(client.registry->protocols(), server.registry->protocols());
-  const auto mine = agreement(*client.registry);
-  const auto theirs = agreement(*server.registry);
+  const auto mine = agreementOf(*client.registry);
+  const auto theirs = agreementOf(*server.registry);
   EXPECT_EQ(mine, (Agreement{{{"Builtin", {1, 0}, {}},
                               {"Debug", {1, 0}, {}},
                               {"Telemetry", {2, 1}, {{"compression", "zstd"}}}}}));
   EXPECT_EQ(fingerprint(mine), fingerprint(theirs));
-  EXPECT_THAT(difference(mine, theirs), IsEmpty());
+  EXPECT_THAT(differencesBetween(mine, theirs), IsEmpty());
 }
 
 TEST(Difference, TellsWhatTheClientDidNotInstallAsItWasTold) {
@@ -335,10 +336,10 @@ TEST(Difference, TellsWhatTheClientDidNotInstallAsItWasTold) {
   negotiate(client, server,
             {{"Telemetry", {2, 1}, {{"compression", "lz4"}}}, {"Debug", {1, 0}, {{"level", "4"}}}});
 
-  const auto mine = agreement(*client.registry);
-  const auto theirs = agreement(*server.registry);
+  const auto mine = agreementOf(*client.registry);
+  const auto theirs = agreementOf(*server.registry);
   EXPECT_NE(fingerprint(mine), fingerprint(theirs));
-  EXPECT_THAT(difference(mine, theirs),
+  EXPECT_THAT(differencesBetween(mine, theirs),
               ElementsAre(Difference{ProtocolOnlyTheirs, "Debug", "", "", "1.0"},
                           Difference{FeatureOnlyTheirs, "Debug", "level", "", "4"},
                           Difference{Version, "Telemetry", "", "2.0", "2.1"},
@@ -358,7 +359,7 @@ TEST(Agreement, OfAnAnswerIsWhatTheAnswerPromises) {
       {"Debug", {1, 0}, {{"level", "3", FeatureStatus::success}}},
       {}};
 
-  EXPECT_EQ(agreement(answer), (Agreement{{debug, telemetry}}));
+  EXPECT_EQ(agreementOf(answer), (Agreement{{debug, telemetry}}));
 }
 
 TEST(Agreement, OfAnAnswerShowsWhatAnInitializerMadeOfIt) {
@@ -371,7 +372,7 @@ TEST(Agreement, OfAnAnswerShowsWhatAnInitializerMadeOfIt) {
 
   common::session::handleProtocolResolutions(protocols, answer, registry);
 
-  EXPECT_THAT(difference(agreement(*registry), agreement(answer)),
+  EXPECT_THAT(differencesBetween(agreementOf(*registry), agreementOf(answer)),
               ElementsAre(Difference{ProtocolOnlyTheirs, "Debug", "", "", "1.0"},
                           Difference{Version, "Telemetry", "", "2.0", "2.1"},
                           Difference{Value, "Telemetry", "compression", "none", "lz4"}));
@@ -392,7 +393,7 @@ TEST(Agreement, OfAnAnswerShowsThatAnEarlierNegotiationStaysInForce) {
 
   const auto answer = ask("zstd");
 
-  EXPECT_THAT(difference(agreement(*registry), agreement(answer)),
+  EXPECT_THAT(differencesBetween(agreementOf(*registry), agreementOf(answer)),
               ElementsAre(Difference{Value, "Telemetry", "compression", "lz4", "zstd"}));
 }
 

@@ -11,7 +11,7 @@
 
 #include "foundation/corvane/common/session/FeatureRequest.hpp"
 #include "foundation/corvane/common/session/TransportSetup.hpp"
-#include "foundation/corvane/inspect/rehearse.hpp"
+#include "foundation/corvane/inspect/simulateAnswer.hpp"
 #include "foundation/json.hpp"
 #include "tests/corvane/inspect/text/isUtf8.hpp"
 #include "tests/sanitizers.hpp"
@@ -55,13 +55,13 @@ MessageProtocolResolution answered(const std::vector<FeatureResolution>& entries
   return {"Telemetry", {2, 1}, entries};
 }
 
-Explanation rehearsed(const Configs& configs) {
-  return explain(configs, rehearse(configs, offers), offers);
+Explanation simulated(const Configs& configs) {
+  return explain(configs, simulateAnswer(configs, offers), offers);
 }
 
 /// The only feature that is asked for, as a server with the offers answers it.
 FeatureExplanation feature(const FeatureRequest& request) {
-  return rehearsed({telemetry({request})}).protocols.at(0).features.at(0);
+  return simulated({telemetry({request})}).protocols.at(0).features.at(0);
 }
 
 /// The only protocol that is asked for.
@@ -71,7 +71,7 @@ ProtocolExplanation protocol(const MessageProtocolConfig& config, const Resoluti
 
 TEST(explain, TellsWhatEachRequestCameTo) {
   const auto explanation =
-      rehearsed({telemetry({{"compression", "zstd", required}}), {"Control", {1, 0}, {}}});
+      simulated({telemetry({{"compression", "zstd", required}}), {"Control", {1, 0}, {}}});
 
   const FeatureExplanation compression{
       "compression", "zstd", required, {"lz4", "zstd"}, FeatureOutcome::Accepted, success, "agreed as asked"};
@@ -111,7 +111,7 @@ TEST(explain, TellsOfARequestForAFeatureThatCouldNotBeRead) {
 
 TEST(explain, TellsWhichOfTwoValuesThatAreBothOfferedCounts) {
   const auto explanation =
-      rehearsed({telemetry({{"compression", "zstd", preferred}, {"compression", "lz4", optional}})});
+      simulated({telemetry({{"compression", "zstd", preferred}, {"compression", "lz4", optional}})});
 
   const auto& features = explanation.protocols.at(0).features;
   EXPECT_EQ(features.at(0).outcome, FeatureOutcome::Accepted);
@@ -122,7 +122,7 @@ TEST(explain, TellsWhichOfTwoValuesThatAreBothOfferedCounts) {
 
 TEST(explain, TellsThatTheFirstConfigurationOfAProtocolStaysInForce) {
   const auto explanation =
-      rehearsed({telemetry({{"compression", "lz4", optional}}), telemetry({{"compression", "lz4", required},
+      simulated({telemetry({{"compression", "lz4", optional}}), telemetry({{"compression", "lz4", required},
                                                                            {"compression", "zstd", required},
                                                                            {"batching", "on", required}})});
 
@@ -136,7 +136,7 @@ TEST(explain, TellsThatTheFirstConfigurationOfAProtocolStaysInForce) {
 }
 
 TEST(explain, TellsThatASecondVersionOfAProtocolEndsTheNegotiation) {
-  const auto explanation = rehearsed({telemetry({}), {"Telemetry", {2, 0}, {{"batching", "on", required}}}});
+  const auto explanation = simulated({telemetry({}), {"Telemetry", {2, 0}, {{"batching", "on", required}}}});
 
   const auto& lost = explanation.protocols.at(1);
   EXPECT_EQ(lost.outcome, ProtocolOutcome::VersionConflict);
@@ -155,7 +155,7 @@ TEST(explain, SaysOfWhatWasAgreedThatASecondVersionMakesItComeToNothing) {
                         telemetry({{"compression", "zstd", required}, {"security", "tls", optional}}),
                         {"Telemetry", {2, 0}, {}}};
 
-  const auto explanation = rehearsed(configs);
+  const auto explanation = simulated(configs);
 
   const std::string end =
       "; but it comes to nothing: at the request for \"Telemetry\" at 2.0 a server of this library ends the "
@@ -184,10 +184,10 @@ TEST(explain, TakesRequestsAsTheServerHasReadThem) {
   const Configs configs{{"", {1, 0}, {}}, {"Telemetry", {65535, 3}, {}}, telemetry({{"batching", "on"}})};
   const auto read = common::session::toConfigs(common::session::toJSON(configs));
 
-  const auto handedIn = rehearsed(configs).protocols;
-  const auto onTheWire = rehearsed(read).protocols;
+  const auto handedIn = simulated(configs).protocols;
+  const auto onTheWire = simulated(read).protocols;
 
-  EXPECT_EQ(handedIn.at(0).outcome, ProtocolOutcome::Unknown);
+  EXPECT_EQ(handedIn.at(0).outcome, ProtocolOutcome::NotOffered);
   EXPECT_EQ(onTheWire.at(0).outcome, ProtocolOutcome::Unreadable);
   EXPECT_EQ(handedIn.at(1).outcome, ProtocolOutcome::Agreed);
   EXPECT_EQ(onTheWire.at(1).outcome, ProtocolOutcome::Unreadable);
@@ -205,9 +205,9 @@ TEST(explain, SuspectsASecondVersionWhereThereIsNoAnswerAtAll) {
 }
 
 TEST(explain, TellsOfARequestThatWasDroppedForItHasNoVersion) {
-  const auto explanation = rehearsed({{"Telemetry", undefinedVersion, {}}, {}});
+  const auto explanation = simulated({{"Telemetry", undefinedVersion, {}}, {}});
 
-  EXPECT_EQ(explanation.protocols.at(0).outcome, ProtocolOutcome::NoVersion);
+  EXPECT_EQ(explanation.protocols.at(0).outcome, ProtocolOutcome::RequestWithoutVersion);
   EXPECT_THAT(explanation.protocols.at(0).why, StartsWith("asked for without a version"));
   EXPECT_EQ(explanation.protocols.at(1).outcome, ProtocolOutcome::Unreadable);
   EXPECT_THAT(explanation.protocols.at(1).why, EndsWith("diagnose the requests' document"));
@@ -219,7 +219,7 @@ TEST(explain, TellsAnUnknownProtocolFromADeclinedOne) {
   const auto known = explain(configs, {}, offers);
   const auto unknown = explain(configs, {});
 
-  EXPECT_EQ(known.protocols.at(0).outcome, ProtocolOutcome::Unknown);
+  EXPECT_EQ(known.protocols.at(0).outcome, ProtocolOutcome::NotOffered);
   EXPECT_EQ(known.protocols.at(0).why,
             R"(not offered by the server, which offers only "Telemetry", "Control")");
   EXPECT_EQ(known.protocols.at(1).outcome, ProtocolOutcome::Declined);
@@ -227,7 +227,7 @@ TEST(explain, TellsAnUnknownProtocolFromADeclinedOne) {
             "offered by the server, but not installed: its initializer declined 2.1 with the features "
             "agreed, or is "
             "empty");
-  EXPECT_EQ(unknown.protocols.at(1).outcome, ProtocolOutcome::UnknownOrDeclined);
+  EXPECT_EQ(unknown.protocols.at(1).outcome, ProtocolOutcome::NotOfferedOrDeclined);
   EXPECT_EQ(explain(configs, {}, Offers{}).protocols.at(0).why,
             "not offered by the server, which offers no protocol at all");
 }
@@ -281,7 +281,7 @@ TEST(explain, TellsOfAnAnswerWithoutAVersion) {
   const auto lost =
       protocol(telemetry({{"x", "1", required}}), {{"Telemetry", undefinedVersion, {{"x", "1", success}}}});
 
-  EXPECT_EQ(lost.outcome, ProtocolOutcome::Undefined);
+  EXPECT_EQ(lost.outcome, ProtocolOutcome::AnswerWithoutVersion);
   EXPECT_EQ(lost.answered, undefinedVersion);
   EXPECT_EQ(lost.features.at(0).outcome, FeatureOutcome::ProtocolLost);
   EXPECT_EQ(lost.features.at(0).status, success);
@@ -293,7 +293,7 @@ TEST(explain, LetsTheFirstAnswerThatHasAVersionCount) {
   const auto explanation = explain(
       configs, {{"Telemetry", undefinedVersion, {{"x", "1", success}}}, answered({{"x", "2", success}})});
 
-  EXPECT_EQ(explanation.protocols.at(0).outcome, ProtocolOutcome::Undefined);
+  EXPECT_EQ(explanation.protocols.at(0).outcome, ProtocolOutcome::AnswerWithoutVersion);
   EXPECT_EQ(explanation.protocols.at(1).outcome, ProtocolOutcome::Agreed);
   EXPECT_EQ(explanation.protocols.at(1).features.at(0).outcome, FeatureOutcome::Accepted);
 }
@@ -410,7 +410,7 @@ TEST(explain, GuessesAtMisspellings) {
             R"(required, but not offered by the server; "compresion" may be a misspelling of "compression")");
   EXPECT_THAT(feature({"compression", " ZSTD", required}).why,
               EndsWith(R"("lz4", "zstd"; " ZSTD" may be a misspelling of "zstd")"));
-  EXPECT_THAT(rehearsed({{"Telemerty", {1, 0}, {}}}).protocols.at(0).why,
+  EXPECT_THAT(simulated({{"Telemerty", {1, 0}, {}}}).protocols.at(0).why,
               EndsWith(R"("Telemerty" may be a misspelling of "Telemetry")"));
 }
 
@@ -430,7 +430,7 @@ TEST(explain, ListsManyValuesShortly) {
   for (int i = 0; i < 40; ++i) many.protocols.front().features.push_back({"depth", std::to_string(i)});
   const Configs configs{telemetry({{"level", "1", required}, {"depth", "x", required}})};
 
-  const auto explanation = explain(configs, rehearse(configs, many), many);
+  const auto explanation = explain(configs, simulateAnswer(configs, many), many);
 
   const auto& features = explanation.protocols.at(0).features;
   EXPECT_THAT(features.at(0).offered, SizeIs(20));
@@ -444,7 +444,7 @@ TEST(explain, ListsManyValuesShortly) {
 TEST(toText, WritesALineForEachRequestAndForWhatNobodyAskedFor) {
   const Configs configs{telemetry({{"compression", "gzip", required}, {"batching", "on", {}}}),
                         {"Chat", {1, 0}, {}}};
-  auto answer = rehearse(configs, offers);
+  auto answer = simulateAnswer(configs, offers);
   answer.emplace_back("Ghost", std::pair(1U, 2U), std::vector<FeatureResolution>{});
 
   EXPECT_EQ(toText(explain(configs, answer, offers)),
@@ -452,7 +452,7 @@ TEST(toText, WritesALineForEachRequestAndForWhatNobodyAskedFor) {
 Telemetry               2.1               2.1        Agreed           installed as asked
 Telemetry  compression  gzip   required   lz4, zstd  ValueNotOffered  required, and offered only as "lz4", "zstd"
 Telemetry  batching     on     undefined  on         Accepted         agreed as asked
-Chat                    1.0                          Unknown          not offered by the server, which offers only "Telemetry", "Control"
+Chat                    1.0                          NotOffered       not offered by the server, which offers only "Telemetry", "Control"
 Ghost                                     1.2        unasked          nobody asked for it, but the client installs it if it knows it
 )");
 }
@@ -499,7 +499,7 @@ TEST(toText, ColoursOutcomesOnRequestOnly) {
                                    {"security", "tls", optional}}),
                         {"Chat", {1, 0}, {}},
                         {"Control", {1, 1}, {{"x", "1", optional}}}};
-  auto answer = rehearse(configs, offers);
+  auto answer = simulateAnswer(configs, offers);
   answer.at(1).version = {1, 0};
   answer.emplace_back("Ghost", std::pair(1U, 2U), std::vector<FeatureResolution>{});
   const auto explanation = explain(configs, answer, offers);
@@ -510,7 +510,7 @@ TEST(toText, ColoursOutcomesOnRequestOnly) {
     return HasSubstr("  \x1b[" + colour + 'm' + word + "\x1b[0m ");
   };
   EXPECT_THAT(coloured, AllOf(in("32", "Agreed"), in("32", "Accepted"), in("31", "ValueNotOffered"),
-                              in("33", "NotOffered"), in("31", "Unknown"), in("33", "OlderVersion"),
+                              in("33", "NotOffered"), in("31", "NotOffered"), in("33", "OlderVersion"),
                               in("33", "unasked")));
   std::string plain;
   for (std::size_t at = 0; at < coloured.size(); ++at) {
@@ -524,7 +524,7 @@ TEST(toText, ColoursOutcomesOnRequestOnly) {
 
 TEST(toText, ColoursNothingGreenBesideASecondVersion) {
   const auto explanation =
-      rehearsed({telemetry({{"compression", "lz4", required}}), {"Telemetry", {2, 0}, {}}});
+      simulated({telemetry({{"compression", "lz4", required}}), {"Telemetry", {2, 0}, {}}});
 
   const auto text = toText(explanation, Colour::On);
 
@@ -533,7 +533,7 @@ TEST(toText, ColoursNothingGreenBesideASecondVersion) {
 }
 
 TEST(writeText, HandsOutTheLinesOfTheText) {
-  const auto explanation = rehearsed({telemetry({{"compression", "lz4", required}}), {"Chat", {1, 0}, {}}});
+  const auto explanation = simulated({telemetry({{"compression", "lz4", required}}), {"Chat", {1, 0}, {}}});
 
   std::string text;
   writeText(explanation, Colour::On, [&](std::string_view line) {
@@ -562,7 +562,7 @@ TEST(writeJSON, HandsOutTheObjectInPieces) {
 
 TEST(toJSON, WritesAnExplanationAsOneObject) {
   const Configs configs{telemetry({{"compression", "gzip", required}}), {"Chat", {1, 0}, {}}};
-  auto answer = rehearse(configs, offers);
+  auto answer = simulateAnswer(configs, offers);
   answer.at(0).resolutions.emplace_back("x\n", "1", success);
 
   EXPECT_EQ(
@@ -571,7 +571,7 @@ TEST(toJSON, WritesAnExplanationAsOneObject) {
       R"({"handling":"required","name":"compression","offered":["lz4","zstd"],"outcome":"ValueNotOffered",)"
       R"("status":"invalid_value_error","value":"gzip","why":"required, and offered only as \"lz4\", \"zstd\""}],)"
       R"("name":"Telemetry","outcome":"Agreed","why":"installed as asked"},)"
-      R"({"answered":null,"asked":{"major":1,"minor":0},"features":[],"name":"Chat","outcome":"Unknown",)"
+      R"({"answered":null,"asked":{"major":1,"minor":0},"features":[],"name":"Chat","outcome":"NotOffered",)"
       R"("why":"not offered by the server, which offers only \"Telemetry\", \"Control\""}],)"
       R"("unasked":[{"feature":"x\n","isFeature":true,"protocol":"Telemetry","status":"success","value":"1",)"
       R"("version":{"major":2,"minor":1},"why":"nobody asked for it, but the client installs the protocol with it"}]})");
@@ -634,9 +634,9 @@ TEST(FeatureOutcome, HasItsEnumeratorsName) {
 TEST(ProtocolOutcome, HasItsEnumeratorsName) {
   std::vector<std::string> names;
   for (int i = 0; i <= 10; ++i) names.emplace_back(toCString(static_cast<ProtocolOutcome>(i)));
-  EXPECT_THAT(names,
-              ElementsAre("Agreed", "OlderVersion", "NewerVersion", "NoVersion", "Unreadable", "Unknown",
-                          "Declined", "UnknownOrDeclined", "VersionConflict", "Undefined", ""));
+  EXPECT_THAT(names, ElementsAre("Agreed", "OlderVersion", "NewerVersion", "RequestWithoutVersion",
+                                 "Unreadable", "NotOffered", "Declined", "NotOfferedOrDeclined",
+                                 "VersionConflict", "AnswerWithoutVersion", ""));
 }
 
 }  // namespace

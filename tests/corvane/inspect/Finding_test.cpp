@@ -26,7 +26,7 @@ TEST(Finding, HasTheNamesOfItsEnumerators) {
               ElementsAre("Syntax", "NotAnObject", "UnknownMember", "RepeatedMember", "MissingMember",
                           "WrongKind", "EmptyName", "UnknownWord", "FractionalNumber", "VersionRange"));
   EXPECT_THAT(effects,
-              ElementsAre("DocumentLost", "ElementLost", "RecordLost", "Defaulted", "Reread", "Dropped"));
+              ElementsAre("DocumentLost", "ElementLost", "RecordLost", "Defaulted", "Rounded", "Dropped"));
 }
 
 TEST(Finding, NamesNothingBeyondTheEnumerators) {

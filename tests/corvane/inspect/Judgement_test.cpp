@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "foundation/corvane/inspect/rehearse.hpp"
+#include "foundation/corvane/inspect/simulateAnswer.hpp"
 #include "tests/sanitizers.hpp"
 
 namespace foundation::corvane::inspect {
@@ -37,16 +37,16 @@ MessageProtocolConfig telemetry(const std::vector<FeatureRequest>& features) {
   return {"Telemetry", {2, 1}, features};
 }
 
-std::vector<Ground> grounds(const Judgement& judgement) {
-  std::vector<Ground> grounds;
-  for (const auto& reason : judgement.reasons) grounds.push_back(reason.ground);
-  return grounds;
+std::vector<ReasonKind> kinds(const Judgement& judgement) {
+  std::vector<ReasonKind> kinds;
+  for (const auto& reason : judgement.reasons) kinds.push_back(reason.kind);
+  return kinds;
 }
 
 TEST(judge, AgreesToAnAnswerThatIsWhatWasAskedFor) {
   const Configs configs{telemetry({{"compression", "zstd", required}})};
 
-  EXPECT_EQ(judge(configs, rehearse(configs, offers)), Judgement{});
+  EXPECT_EQ(judge(configs, simulateAnswer(configs, offers)), Judgement{});
   EXPECT_EQ(judge({}, {}), Judgement{});
 }
 
@@ -54,33 +54,33 @@ TEST(judge, RefusesARequiredFeatureThatFailedThoughItsProtocolIsInstalled) {
   const Configs configs{telemetry({{"compression", "gzip", required}, {"batching", "on", required}})};
 
   EXPECT_EQ(
-      judge(configs, rehearse(configs, offers)),
+      judge(configs, simulateAnswer(configs, offers)),
       (Judgement{Verdict::Refused,
-                 {{Ground::RequiredFailed, true, "Telemetry", "compression",
+                 {{ReasonKind::RequiredFailed, true, "Telemetry", "compression",
                    "protocol \"Telemetry\", feature \"compression\": \"gzip\" is required, and offered only "
                    "with other values"},
-                  {Ground::RequiredFailed, true, "Telemetry", "batching",
+                  {ReasonKind::RequiredFailed, true, "Telemetry", "batching",
                    "protocol \"Telemetry\", feature \"batching\": \"on\" is required, and not offered"}}}));
 }
 
 TEST(judge, IsContentWithLessWhereAWishFailed) {
   const Configs configs{telemetry({{"compression", "gzip", preferred}, {"batching", "on", optional}})};
 
-  const auto judgement = judge(configs, rehearse(configs, offers));
+  const auto judgement = judge(configs, simulateAnswer(configs, offers));
 
   EXPECT_EQ(judgement.verdict, Verdict::Degraded);
-  EXPECT_THAT(grounds(judgement), ElementsAre(Ground::WishFailed, Ground::WishFailed));
+  EXPECT_THAT(kinds(judgement), ElementsAre(ReasonKind::OptionalFailed, ReasonKind::OptionalFailed));
   EXPECT_FALSE(judgement.reasons.front().refuses);
 }
 
 TEST(judge, NoticesAFeatureWithoutAKnownHandlingThatHasNoEntry) {
   const Configs configs{telemetry({{"batching", "on", {}}})};
-  const auto answer = rehearse(configs, offers);
+  const auto answer = simulateAnswer(configs, offers);
   ASSERT_THAT(answer.at(0).resolutions, IsEmpty());
 
   const auto judgement = judge(configs, answer);
 
-  EXPECT_THAT(grounds(judgement), ElementsAre(Ground::WishFailed));
+  EXPECT_THAT(kinds(judgement), ElementsAre(ReasonKind::OptionalFailed));
   EXPECT_EQ(
       judgement.reasons.front().sentence,
       "protocol \"Telemetry\", feature \"batching\": \"on\" is asked for without a known handling, and not "
@@ -90,10 +90,10 @@ TEST(judge, NoticesAFeatureWithoutAKnownHandlingThatHasNoEntry) {
 TEST(judge, NoticesARequestThatWasDroppedForItHasNoVersion) {
   const Configs configs{{"Telemetry", undefinedVersion, {}}, {}};
 
-  const auto judgement = judge(configs, rehearse(configs, offers));
+  const auto judgement = judge(configs, simulateAnswer(configs, offers));
 
   EXPECT_EQ(judgement.verdict, Verdict::Degraded);
-  EXPECT_THAT(grounds(judgement), ElementsAre(Ground::ProtocolLost, Ground::ProtocolLost));
+  EXPECT_THAT(kinds(judgement), ElementsAre(ReasonKind::ProtocolLost, ReasonKind::ProtocolLost));
   EXPECT_EQ(judgement.reasons.front().sentence,
             "protocol \"Telemetry\": not installed: it is asked for without a version");
 }
@@ -106,9 +106,9 @@ TEST(judge, RefusesALostProtocolOnlyForItsRequiredFeatures) {
   const auto refused = judge(needs, {});
 
   EXPECT_EQ(degraded.verdict, Verdict::Degraded);
-  EXPECT_THAT(grounds(degraded), ElementsAre(Ground::ProtocolLost));
+  EXPECT_THAT(kinds(degraded), ElementsAre(ReasonKind::ProtocolLost));
   EXPECT_EQ(refused.verdict, Verdict::Refused);
-  EXPECT_THAT(grounds(refused), ElementsAre(Ground::ProtocolLost, Ground::RequiredFailed));
+  EXPECT_THAT(kinds(refused), ElementsAre(ReasonKind::ProtocolLost, ReasonKind::RequiredFailed));
   EXPECT_EQ(refused.reasons.at(1).feature, "y");
 }
 
@@ -118,20 +118,20 @@ TEST(judge, NoticesAProtocolThatIsInstalledAtAnotherVersion) {
   const auto older = judge(configs, {{"Telemetry", {2, 0}, {}}});
   const auto newer = judge(configs, {{"Telemetry", {3, 0}, {}}});
 
-  EXPECT_THAT(grounds(older), ElementsAre(Ground::OlderVersion));
+  EXPECT_THAT(kinds(older), ElementsAre(ReasonKind::OlderVersion));
   EXPECT_EQ(older.reasons.front().sentence,
             "protocol \"Telemetry\": installed at 2.0, which is older than 2.1 as asked");
-  EXPECT_THAT(grounds(newer), ElementsAre(Ground::NewerVersion));
+  EXPECT_THAT(kinds(newer), ElementsAre(ReasonKind::NewerVersion));
   EXPECT_EQ(newer.verdict, Verdict::Degraded);
 }
 
 TEST(judge, TellsOfTheSecondOfTwoValuesThatAreBothOffered) {
   const Configs configs{telemetry({{"compression", "zstd", preferred}, {"compression", "lz4", optional}})};
 
-  const auto judgement = judge(configs, rehearse(configs, offers));
+  const auto judgement = judge(configs, simulateAnswer(configs, offers));
 
   EXPECT_EQ(judgement.verdict, Verdict::Degraded);
-  EXPECT_THAT(grounds(judgement), ElementsAre(Ground::OtherValue));
+  EXPECT_THAT(kinds(judgement), ElementsAre(ReasonKind::OtherValue));
   EXPECT_EQ(
       judgement.reasons.front().sentence,
       "protocol \"Telemetry\", feature \"compression\": \"lz4\" is agreed, but \"zstd\" counts, which was "
@@ -141,29 +141,29 @@ TEST(judge, TellsOfTheSecondOfTwoValuesThatAreBothOffered) {
 TEST(judge, RefusesARequiredValueThatAnEarlierOneOverrules) {
   const Configs configs{telemetry({{"compression", "zstd", preferred}, {"compression", "lz4", required}})};
 
-  const auto judgement = judge(configs, rehearse(configs, offers));
+  const auto judgement = judge(configs, simulateAnswer(configs, offers));
 
   EXPECT_EQ(judgement.verdict, Verdict::Refused);
-  EXPECT_THAT(grounds(judgement), ElementsAre(Ground::RequiredFailed, Ground::OtherValue));
+  EXPECT_THAT(kinds(judgement), ElementsAre(ReasonKind::RequiredFailed, ReasonKind::OtherValue));
 }
 
 TEST(judge, RefusesWhatOnlyASecondAnswerForAProtocolAgreesTo) {
   const Configs configs{telemetry({}), telemetry({{"compression", "zstd", required}})};
 
-  const auto judgement = judge(configs, rehearse(configs, offers));
+  const auto judgement = judge(configs, simulateAnswer(configs, offers));
 
   EXPECT_EQ(judgement.verdict, Verdict::Refused);
-  EXPECT_THAT(grounds(judgement), ElementsAre(Ground::RequiredFailed, Ground::OtherValue));
+  EXPECT_THAT(kinds(judgement), ElementsAre(ReasonKind::RequiredFailed, ReasonKind::OtherValue));
   EXPECT_THAT(judgement.reasons.front().sentence, HasSubstr("does not have the feature"));
 }
 
 TEST(judge, RefusesASecondVersionOfAProtocol) {
   const Configs configs{telemetry({}), {"Telemetry", {2, 0}, {{"compression", "zstd", required}}}};
 
-  const auto judgement = judge(configs, rehearse(configs, offers));
+  const auto judgement = judge(configs, simulateAnswer(configs, offers));
 
   EXPECT_EQ(judgement.verdict, Verdict::Refused);
-  EXPECT_THAT(grounds(judgement), ElementsAre(Ground::VersionConflict, Ground::RequiredFailed));
+  EXPECT_THAT(kinds(judgement), ElementsAre(ReasonKind::VersionConflict, ReasonKind::RequiredFailed));
   EXPECT_EQ(
       judgement.reasons.front().sentence,
       "protocol \"Telemetry\": it is asked for at 2.0, and installed at 2.1: a server of this library throws "
@@ -179,8 +179,8 @@ TEST(judge, TellsLastOfSuccessesThatNobodyAskedFor) {
   const auto judgement = judge({telemetry({{"compression", "zstd", optional}})}, answer);
 
   EXPECT_EQ(judgement.verdict, Verdict::Degraded);
-  ASSERT_THAT(grounds(judgement),
-              ElementsAre(Ground::WishFailed, Ground::UnaskedSuccess, Ground::UnaskedSuccess));
+  ASSERT_THAT(kinds(judgement), ElementsAre(ReasonKind::OptionalFailed, ReasonKind::UnaskedSuccess,
+                                            ReasonKind::UnaskedSuccess));
   EXPECT_EQ(judgement.reasons.at(1).protocol, "Chat");
   EXPECT_EQ(judgement.reasons.at(1).feature, "");
   EXPECT_EQ(judgement.reasons.at(2).feature, "batching");
@@ -197,23 +197,23 @@ TEST(judge, RefusesAnswersThatContradictThemselves) {
   const auto versions =
       judge({telemetry({}), telemetry({})}, {{"Telemetry", {2, 1}, {}}, {"Telemetry", {2, 0}, {}}});
 
-  EXPECT_THAT(grounds(statuses), ElementsAre(Ground::ContradictoryEntries));
-  EXPECT_THAT(grounds(unasked), ElementsAre(Ground::ContradictoryEntries));
-  EXPECT_THAT(grounds(versions), ElementsAre(Ground::OlderVersion, Ground::ContradictoryEntries));
+  EXPECT_THAT(kinds(statuses), ElementsAre(ReasonKind::ContradictoryEntries));
+  EXPECT_THAT(kinds(unasked), ElementsAre(ReasonKind::ContradictoryEntries));
+  EXPECT_THAT(kinds(versions), ElementsAre(ReasonKind::OlderVersion, ReasonKind::ContradictoryEntries));
   EXPECT_EQ(versions.verdict, Verdict::Refused);
 }
 
 TEST(judge, TakesAnErrorAndAWarningOfOneKindForNoContradiction) {
   const Configs configs{telemetry({{"x", "1", required}, {"x", "1", optional}})};
 
-  EXPECT_THAT(grounds(judge(configs, rehearse(configs, offers))),
-              ElementsAre(Ground::RequiredFailed, Ground::WishFailed));
+  EXPECT_THAT(kinds(judge(configs, simulateAnswer(configs, offers))),
+              ElementsAre(ReasonKind::RequiredFailed, ReasonKind::OptionalFailed));
 }
 
 TEST(judge, CountsAnAnswerWithoutAVersionAsLost) {
   const auto judgement = judge({telemetry({})}, {{"Telemetry", undefinedVersion, {}}});
 
-  EXPECT_THAT(grounds(judgement), ElementsAre(Ground::ProtocolLost));
+  EXPECT_THAT(kinds(judgement), ElementsAre(ReasonKind::ProtocolLost));
   EXPECT_EQ(judgement.reasons.front().sentence,
             "protocol \"Telemetry\": not installed: the answer has no version for it");
 }
@@ -223,7 +223,7 @@ TEST(judge, RefusesOnTheGroundsThatItIsGiven) {
   const Resolutions answer{{"Telemetry", {2, 0}, {{"compression", "gzip", invalid_value_error}}}};
 
   EXPECT_EQ(judge(configs, answer, 0).verdict, Verdict::Degraded);
-  const auto judgement = judge(configs, answer, Ground::OlderVersion | Ground::NewerVersion);
+  const auto judgement = judge(configs, answer, ReasonKind::OlderVersion | ReasonKind::NewerVersion);
 
   EXPECT_EQ(judgement.verdict, Verdict::Refused);
   EXPECT_TRUE(judgement.reasons.at(0).refuses);
@@ -252,17 +252,17 @@ TEST(judge, IsNotSlowedDownByManyEqualNames) {
   EXPECT_THAT(judge(wide, Resolutions(many, narrowAnswer)).reasons, SizeIs(many - 1));
 }
 
-TEST(Ground, HasItsEnumeratorsName) {
-  using enum Ground;
+TEST(ReasonKind, HasItsEnumeratorsName) {
+  using enum ReasonKind;
   std::vector<std::string> names;
-  for (const auto ground : {RequiredFailed, WishFailed, ProtocolLost, OlderVersion, NewerVersion,
-                            UnaskedSuccess, OtherValue, VersionConflict, ContradictoryEntries, Misread}) {
-    names.emplace_back(toCString(ground));
+  for (const auto kind : {RequiredFailed, OptionalFailed, ProtocolLost, OlderVersion, NewerVersion,
+                          UnaskedSuccess, OtherValue, VersionConflict, ContradictoryEntries, Misread}) {
+    names.emplace_back(toCString(kind));
   }
-  EXPECT_THAT(names, ElementsAre("RequiredFailed", "WishFailed", "ProtocolLost", "OlderVersion",
+  EXPECT_THAT(names, ElementsAre("RequiredFailed", "OptionalFailed", "ProtocolLost", "OlderVersion",
                                  "NewerVersion", "UnaskedSuccess", "OtherValue", "VersionConflict",
                                  "ContradictoryEntries", "Misread"));
-  EXPECT_STREQ(toCString(static_cast<Ground>(3)), "");
+  EXPECT_STREQ(toCString(static_cast<ReasonKind>(3)), "");
 }
 
 TEST(Verdict, HasItsEnumeratorsName) {

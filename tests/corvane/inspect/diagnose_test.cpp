@@ -23,24 +23,24 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-constexpr auto documents = {Document::ProtocolConfigs, Document::ProtocolResolutions,
-                            Document::ProtocolOffers};
+constexpr auto documents = {DocumentKind::ProtocolConfigs, DocumentKind::ProtocolResolutions,
+                            DocumentKind::ProtocolOffers};
 
 /// What the reader of the document makes of the text, written again.
-std::string writtenBack(Document document, const std::string& text) {
-  if (document == Document::ProtocolConfigs) return toJSON(toConfigs(text));
-  if (document == Document::ProtocolResolutions) return toJSON(toResolutions(text));
+std::string writtenBack(DocumentKind document, const std::string& text) {
+  if (document == DocumentKind::ProtocolConfigs) return toJSON(toConfigs(text));
+  if (document == DocumentKind::ProtocolResolutions) return toJSON(toResolutions(text));
   return toJSON(toOffers(text));
 }
 
-std::string emptyDocument(Document document) {
+std::string emptyDocument(DocumentKind document) {
   return writtenBack(document, "");
 }
 
 /// As many as the reader returns.
-std::size_t countOfRecords(Document document, const std::string& text) {
-  if (document == Document::ProtocolConfigs) return toConfigs(text).size();
-  if (document == Document::ProtocolResolutions) return toResolutions(text).size();
+std::size_t countOfRecords(DocumentKind document, const std::string& text) {
+  if (document == DocumentKind::ProtocolConfigs) return toConfigs(text).size();
+  if (document == DocumentKind::ProtocolResolutions) return toResolutions(text).size();
   return toOffers(text).protocols.size();
 }
 
@@ -51,11 +51,11 @@ bool holdDefault(const std::vector<Record>& records, std::vector<Element> Record
   });
 }
 
-bool holdsDefault(Document document, const std::string& text) {
-  if (document == Document::ProtocolConfigs) {
+bool holdsDefault(DocumentKind document, const std::string& text) {
+  if (document == DocumentKind::ProtocolConfigs) {
     return holdDefault(toConfigs(text), &MessageProtocolConfig::features);
   }
-  if (document == Document::ProtocolResolutions) {
+  if (document == DocumentKind::ProtocolResolutions) {
     return holdDefault(toResolutions(text), &MessageProtocolResolution::resolutions);
   }
   return holdDefault(toOffers(text).protocols, &ProtocolOffer::features);
@@ -63,7 +63,7 @@ bool holdsDefault(Document document, const std::string& text) {
 
 /// The reader kept everything: a list as long as the document's, no default record, and the same again when
 /// it is written.
-bool isKept(Document document, const std::string& text) {
+bool isKept(DocumentKind document, const std::string& text) {
   if (!isJson(text)) return false;
   const auto tree = treeOf(text);
   const auto* list = memberOf(tree, listName(document));
@@ -75,13 +75,13 @@ bool isKept(Document document, const std::string& text) {
 // ---- what the findings say, done to the document
 
 /// The default record that takes the place of an object, told by what the object stands in.
-std::string defaultRecord(Document document, bool isFeature) {
+std::string defaultRecord(DocumentKind document, bool isFeature) {
   if (isFeature) {
-    if (document == Document::ProtocolResolutions) return FeatureResolution::toJson({});
+    if (document == DocumentKind::ProtocolResolutions) return FeatureResolution::toJson({});
     return R"({"handling":"undefined","name":"","value":""})";
   }
-  if (document == Document::ProtocolConfigs) return MessageProtocolConfig::toJson({});
-  if (document == Document::ProtocolResolutions) return MessageProtocolResolution::toJson({});
+  if (document == DocumentKind::ProtocolConfigs) return MessageProtocolConfig::toJson({});
+  if (document == DocumentKind::ProtocolResolutions) return MessageProtocolResolution::toJson({});
   return R"({"features":[],"name":""})";
 }
 
@@ -113,7 +113,7 @@ Tree foreign(const std::string& text) {
 /// Does to a document what a finding tells.
 class Repair {
  public:
-  Repair(Document document, const Finding& finding) : document_(document), finding_(finding) {}
+  Repair(DocumentKind document, const Finding& finding) : document_(document), finding_(finding) {}
 
   void apply(Tree& tree, int depth = 0, bool isElement = false) {
     if (tree.begin == finding_.offset && finding_.rule == Rule::MissingMember &&
@@ -129,7 +129,7 @@ class Repair {
     }
     const bool isValue = tree.begin == finding_.offset;
     if (isValue && finding_.effect == Effect::Defaulted) tree = foreign(defaultMember(finding_.pointer));
-    if (isValue && finding_.effect == Effect::Reread) {
+    if (isValue && finding_.effect == Effect::Rounded) {
       tree.number = static_cast<unsigned>(tree.number + 0.01);
     }
     for (auto& member : tree.members) {
@@ -154,13 +154,13 @@ class Repair {
   }
   std::string lastStep() const { return finding_.pointer.substr(finding_.pointer.rfind('/') + 1); }
 
-  Document document_;
+  DocumentKind document_;
   const Finding& finding_;
   bool done_ = false;
 };
 
 /// The document as its reader takes it, if the findings tell the truth.
-Tree repaired(Document document, const std::string& text, const std::vector<Finding>& findings) {
+Tree repaired(DocumentKind document, const std::string& text, const std::vector<Finding>& findings) {
   for (const auto& finding : findings) {
     if (finding.effect == Effect::DocumentLost) return treeOf(emptyDocument(document));
   }
@@ -172,16 +172,16 @@ Tree repaired(Document document, const std::string& text, const std::vector<Find
 // ---- single findings
 
 struct Case {
-  Document document;
+  DocumentKind document;
   std::string text;  // with an @ where the finding is
   Rule rule;
   Effect effect;
   std::string pointer;
 };
 
-constexpr auto configs = Document::ProtocolConfigs;
-constexpr auto resolutions = Document::ProtocolResolutions;
-constexpr auto offers = Document::ProtocolOffers;
+constexpr auto configs = DocumentKind::ProtocolConfigs;
+constexpr auto resolutions = DocumentKind::ProtocolResolutions;
+constexpr auto offers = DocumentKind::ProtocolOffers;
 
 std::string config(const std::string& object) {
   return R"({"protocolConfigs":[)" + object + "]}";
@@ -242,9 +242,9 @@ TEST(diagnose, TellsOfEachSilentPath) {
       {configs, versioned(R"(@{"minor":0})"), MissingMember, Defaulted, first + "/version/major"},
       {configs, versioned(R"(@{"major":1})"), MissingMember, Defaulted, first + "/version/minor"},
       {configs, versioned(R"({"major":@"1","minor":0})"), WrongKind, Defaulted, first + "/version/major"},
-      {configs, versioned(R"({"major":@2.995,"minor":0})"), FractionalNumber, Reread,
+      {configs, versioned(R"({"major":@2.995,"minor":0})"), FractionalNumber, Rounded,
        first + "/version/major"},
-      {configs, versioned(R"({"major":0,"minor":@-0.5})"), FractionalNumber, Reread,
+      {configs, versioned(R"({"major":0,"minor":@-0.5})"), FractionalNumber, Rounded,
        first + "/version/minor"},
       {configs, versioned(R"({"major":@-1.5,"minor":0})"), VersionRange, RecordLost,
        first + "/version/major"},
@@ -447,8 +447,8 @@ TEST(diagnose, SaysNothingOfWhatStandsDeepInAReplacedMember) {
 }
 
 TEST(diagnose, FindsNothingInAnObjectThatIsNoneOfTheDocuments) {
-  EXPECT_THAT(diagnose(static_cast<Document>(3), R"({"protocolConfigs":7})"), IsEmpty());
-  EXPECT_THAT(diagnose(static_cast<Document>(3), "[]"), SizeIs(1));
+  EXPECT_THAT(diagnose(static_cast<DocumentKind>(3), R"({"protocolConfigs":7})"), IsEmpty());
+  EXPECT_THAT(diagnose(static_cast<DocumentKind>(3), "[]"), SizeIs(1));
 }
 
 // ---- what holds of all documents

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Many small negotiations, held with two real ends, rehearsed, and worked out by a simple model: all three
+// Many small negotiations, held with two real ends, simulated, and worked out by a simple model: all three
 // must come to the same, and the explanation must tell it.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -22,7 +22,7 @@
 #include "foundation/corvane/common/session/TransportSetup.hpp"
 #include "foundation/corvane/inspect/Explanation.hpp"
 #include "foundation/corvane/inspect/Judgement.hpp"
-#include "foundation/corvane/inspect/rehearse.hpp"
+#include "foundation/corvane/inspect/simulateAnswer.hpp"
 #include "foundation/json.hpp"
 
 namespace foundation::corvane::inspect {
@@ -97,7 +97,7 @@ struct ModelFeature {
 };
 
 struct ModelProtocol {
-  ProtocolOutcome outcome = ProtocolOutcome::Unknown;
+  ProtocolOutcome outcome = ProtocolOutcome::NotOffered;
   std::vector<ModelFeature> features;
 };
 
@@ -110,13 +110,13 @@ class Model {
   }
 
   std::vector<ModelProtocol> protocols;
-  Grounds grounds = 0;
+  ReasonKinds kinds = 0;
 
-  bool hasConflict() const { return (grounds & static_cast<Grounds>(Ground::VersionConflict)) != 0; }
+  bool hasConflict() const { return (kinds & static_cast<ReasonKinds>(ReasonKind::VersionConflict)) != 0; }
 
   Verdict verdict() const {
-    if ((grounds & usualRefusals) != 0) return Verdict::Refused;
-    return grounds != 0 ? Verdict::Degraded : Verdict::Agreed;
+    if ((kinds & defaultRefusals) != 0) return Verdict::Refused;
+    return kinds != 0 ? Verdict::Degraded : Verdict::Agreed;
   }
 
  private:
@@ -138,30 +138,32 @@ class Model {
   }
 
   ProtocolOutcome outcomeOf(const MessageProtocolConfig& config) {
-    if (config == MessageProtocolConfig{}) return because(Ground::ProtocolLost, ProtocolOutcome::Unreadable);
-    if (config.version == undefinedVersion) return because(Ground::ProtocolLost, ProtocolOutcome::NoVersion);
+    if (config == MessageProtocolConfig{})
+      return because(ReasonKind::ProtocolLost, ProtocolOutcome::Unreadable);
+    if (config.version == undefinedVersion)
+      return because(ReasonKind::ProtocolLost, ProtocolOutcome::RequestWithoutVersion);
     if (installed_.contains(config.name)) {
       if (installed_[config.name].version == config.version) return ProtocolOutcome::Agreed;
-      return because(Ground::VersionConflict, ProtocolOutcome::VersionConflict);
+      return because(ReasonKind::VersionConflict, ProtocolOutcome::VersionConflict);
     }
-    if (find(config.name) == nullptr) return because(Ground::ProtocolLost, ProtocolOutcome::Unknown);
+    if (find(config.name) == nullptr) return because(ReasonKind::ProtocolLost, ProtocolOutcome::NotOffered);
     const auto configuration = agreed(config);
     const auto version = choice_(config.version, configuration);
-    if (version == undefinedVersion) return because(Ground::ProtocolLost, ProtocolOutcome::Declined);
+    if (version == undefinedVersion) return because(ReasonKind::ProtocolLost, ProtocolOutcome::Declined);
     installed_[config.name] = {version, configuration};
-    if (version < config.version) return because(Ground::OlderVersion, ProtocolOutcome::OlderVersion);
-    if (version > config.version) return because(Ground::NewerVersion, ProtocolOutcome::NewerVersion);
+    if (version < config.version) return because(ReasonKind::OlderVersion, ProtocolOutcome::OlderVersion);
+    if (version > config.version) return because(ReasonKind::NewerVersion, ProtocolOutcome::NewerVersion);
     return ProtocolOutcome::Agreed;
   }
 
   template <class Outcome>
-  Outcome because(Ground ground, Outcome outcome) {
-    grounds = grounds | ground;
+  Outcome because(ReasonKind kind, Outcome outcome) {
+    kinds = kinds | kind;
     return outcome;
   }
 
   ModelFeature lose(const FeatureRequest& request) {
-    if (request.handling == FeatureHandling::required) grounds = grounds | Ground::RequiredFailed;
+    if (request.handling == FeatureHandling::required) kinds = kinds | ReasonKind::RequiredFailed;
     return {};
   }
 
@@ -172,12 +174,13 @@ class Model {
       if (value != configuration.end() && value->second == request.value) {
         return {FeatureOutcome::Accepted, FeatureStatus::success};
       }
-      if (request.handling == FeatureHandling::required) grounds = grounds | Ground::RequiredFailed;
-      return {because(Ground::OtherValue, isFirst ? FeatureOutcome::Overruled : FeatureOutcome::Ineffective),
-              FeatureStatus::success};
+      if (request.handling == FeatureHandling::required) kinds = kinds | ReasonKind::RequiredFailed;
+      return {
+          because(ReasonKind::OtherValue, isFirst ? FeatureOutcome::Overruled : FeatureOutcome::Ineffective),
+          FeatureStatus::success};
     }
     const bool isRequired = request.handling == FeatureHandling::required;
-    grounds = grounds | (isRequired ? Ground::RequiredFailed : Ground::WishFailed);
+    kinds = kinds | (isRequired ? ReasonKind::RequiredFailed : ReasonKind::OptionalFailed);
     if (isOffered(protocol, request.name, nullptr)) {
       return {FeatureOutcome::ValueNotOffered,
               isRequired ? FeatureStatus::invalid_value_error : FeatureStatus::invalid_value_warning};
@@ -263,10 +266,10 @@ Real negotiate(const Configs& configs, const Offers& offers, const Choice& choic
   return real;
 }
 
-Grounds groundsOf(const Judgement& judgement) {
-  Grounds grounds = 0;
-  for (const auto& reason : judgement.reasons) grounds = grounds | reason.ground;
-  return grounds;
+ReasonKinds kindsOf(const Judgement& judgement) {
+  ReasonKinds kinds = 0;
+  for (const auto& reason : judgement.reasons) kinds = kinds | reason.kind;
+  return kinds;
 }
 
 /// Each request occurs once, in its place, and so it does in the JSON text.
@@ -332,7 +335,7 @@ void expectOneMind(const Configs& configs, const Offers& offers, const Choice& c
   SCOPED_TRACE(common::session::toJSON(real.answer));
   const auto judgement = judge(configs, real.answer);
   EXPECT_STREQ(toCString(judgement.verdict), toCString(model.verdict()));
-  EXPECT_EQ(groundsOf(judgement), model.grounds);
+  EXPECT_EQ(kindsOf(judgement), model.kinds);
   const auto explanation = explain(configs, real.answer, offers);
   expectEachRequestOnce(explanation, configs);
   expectOutcomes(explanation, model);
@@ -344,19 +347,19 @@ void expectRehearsed(const Configs& configs, const Offers& offers) {
   const Choice choice = asAsked;
   const Model model(configs, offers, choice);
   const auto real = negotiate(configs, offers, choice);
-  const auto rehearsed = rehearse(configs, offers);
-  SCOPED_TRACE(common::session::toJSON(rehearsed));
+  const auto simulated = simulateAnswer(configs, offers);
+  SCOPED_TRACE(common::session::toJSON(simulated));
 
-  const auto judgement = judge(configs, rehearsed);
-  const auto grounds = groundsOf(judgement);
+  const auto judgement = judge(configs, simulated);
+  const auto kinds = kindsOf(judgement);
   EXPECT_STREQ(toCString(judgement.verdict), toCString(model.verdict()));
-  EXPECT_EQ(grounds, model.grounds);
-  EXPECT_EQ((grounds & static_cast<Grounds>(Ground::VersionConflict)) != 0, real.hasThrown);
+  EXPECT_EQ(kinds, model.kinds);
+  EXPECT_EQ((kinds & static_cast<ReasonKinds>(ReasonKind::VersionConflict)) != 0, real.hasThrown);
   if (!real.hasThrown) {
-    EXPECT_EQ(rehearsed, real.answer);
+    EXPECT_EQ(simulated, real.answer);
     EXPECT_EQ(judge(configs, real.answer), judgement);
   }
-  const auto explanation = explain(configs, rehearsed, offers);
+  const auto explanation = explain(configs, simulated, offers);
   expectEachRequestOnce(explanation, configs);
   expectOutcomes(explanation, model);
 }
@@ -400,15 +403,16 @@ TEST(Negotiations, TellOfEachRequestAndEachAnswerOnceWhateverTheAnswer) {
 
     expectEachRequestOnce(explanation, configs);
     EXPECT_EQ(judgement.verdict == Verdict::Agreed, judgement.reasons.empty());
-    EXPECT_EQ(judgement.verdict == Verdict::Refused, (groundsOf(judgement) & usualRefusals) != 0);
+    EXPECT_EQ(judgement.verdict == Verdict::Refused, (kindsOf(judgement) & defaultRefusals) != 0);
     std::size_t asked = 0;
     std::size_t unasked = 0;
     for (const auto& protocol : explanation.protocols) {
       using enum ProtocolOutcome;
-      asked += protocol.answered != undefinedVersion || protocol.outcome == Undefined ? 1U : 0U;
+      asked += protocol.answered != undefinedVersion || protocol.outcome == AnswerWithoutVersion ? 1U : 0U;
     }
     for (const auto& one : explanation.unasked) unasked += one.isFeature ? 0U : 1U;
-    const auto hasConflict = (groundsOf(judgement) & static_cast<Grounds>(Ground::VersionConflict)) != 0;
+    const auto hasConflict =
+        (kindsOf(judgement) & static_cast<ReasonKinds>(ReasonKind::VersionConflict)) != 0;
     if (hasConflict) continue;  // what conflicts is lost, answered or not
     EXPECT_EQ(asked + unasked, answer.size());
   }

@@ -343,14 +343,14 @@ TEST(Sentences, OfAJudgementAboutAFeature) {
 
 // ---- documents
 
-std::string message(Document document, const std::string& text) {
+std::string message(DocumentKind document, const std::string& text) {
   const auto findings = diagnose(document, text);
   EXPECT_THAT(findings, SizeIs(1)) << text;
   return findings.at(0).message;
 }
 
 std::string ofConfig(const std::string& config) {
-  return message(Document::ProtocolConfigs, R"({"protocolConfigs":[)" + config + "]}");
+  return message(DocumentKind::ProtocolConfigs, R"({"protocolConfigs":[)" + config + "]}");
 }
 std::string ofVersion(const std::string& version) {
   return ofConfig(R"({"features":[],"name":"p","version":)" + version + "}");
@@ -359,13 +359,13 @@ std::string ofRequest(const std::string& request) {
   return ofConfig(R"({"name":"p","version":{"major":1,"minor":0},"features":[)" + request + "]}");
 }
 std::string ofAnswer(const std::string& answer) {
-  return message(Document::ProtocolResolutions, R"({"protocolResolutions":[)" + answer + "]}");
+  return message(DocumentKind::ProtocolResolutions, R"({"protocolResolutions":[)" + answer + "]}");
 }
 std::string ofEntry(const std::string& entry) {
   return ofAnswer(R"({"name":"p","version":{"major":1,"minor":0},"resolutions":[)" + entry + "]}");
 }
 std::string ofOffers(const std::string& rest, const std::string& software = R"({"name":"s","version":"1"})") {
-  return message(Document::ProtocolOffers,
+  return message(DocumentKind::ProtocolOffers,
                  R"({"software":)" + software + R"(,"protocolOffers":)" + rest + "}");
 }
 std::string ofOffered(const std::string& feature) {
@@ -382,7 +382,7 @@ const std::string lostRecord = ": the record counts as an empty one";
 const std::string lostDocument = ": the whole document counts as empty";
 
 TEST(Sentences, OfAFindingAboutAWholeDocument) {
-  const auto configs = Document::ProtocolConfigs;
+  const auto configs = DocumentKind::ProtocolConfigs;
 
   EXPECT_EQ(message(configs, "[]"), "the document is an array and should be an object" + lostDocument);
   EXPECT_EQ(message(configs, R"("a")"),
@@ -394,7 +394,7 @@ TEST(Sentences, OfAFindingAboutAWholeDocument) {
   EXPECT_EQ(message(configs, "null"), "the document is null and should be an object" + lostDocument);
   EXPECT_EQ(message(configs, "{}"),
             R"(there is no "protocolConfigs", which should be an array)" + lostDocument);
-  EXPECT_EQ(message(Document::ProtocolResolutions, "{}"),
+  EXPECT_EQ(message(DocumentKind::ProtocolResolutions, "{}"),
             R"(there is no "protocolResolutions", which should be an array)" + lostDocument);
   EXPECT_EQ(ofOffers("{}"), R"("protocolOffers" is an object and should be an array)" + lostDocument);
   EXPECT_EQ(
@@ -495,7 +495,7 @@ TEST(Sentences, OfAFindingAboutOffers) {
       ofOffers("[]", "7"),
       R"("software" is the number 7 and should be an object: the software has neither name nor version)");
   EXPECT_EQ(
-      message(Document::ProtocolOffers, R"({"protocolOffers":[]})"),
+      message(DocumentKind::ProtocolOffers, R"({"protocolOffers":[]})"),
       R"(there is no "software", which should be an object: the software has neither name nor version)");
   EXPECT_EQ(ofOffers("[]", R"({"name":"s","version":1})"),
             R"("version" is the number 1 and should be a string: it counts as an empty text)");

@@ -76,7 +76,7 @@ TEST_F(Silence, IsKeptByEverythingThatLooksAtRegistries) {
   capture.clear();
 
   offersOf(*protocols);
-  agreement(*registry);
+  agreementOf(*registry);
 
   EXPECT_THAT(capture.records(), IsEmpty());
   EXPECT_EQ(events(), noEvents);
@@ -85,7 +85,7 @@ TEST_F(Silence, IsKeptByEverythingThatLooksAtRegistries) {
 TEST_F(Silence, IsKeptByEverythingThatLooksAtRecords) {
   const Offers offers{"server", "1", {{"Telemetry", {{"compression", "zstd"}}}}};
 
-  auto answer = rehearse(configs, offers);
+  auto answer = simulateAnswer(configs, offers);
   answer.push_back({"Ghost", {1, 0}, {}});
   toText(explain(configs, answer));
   const auto explanation = explain(configs, answer, offers);
@@ -94,10 +94,10 @@ TEST_F(Silence, IsKeptByEverythingThatLooksAtRecords) {
   writeText(explanation, Colour::Off, [](std::string_view) {});
   writeJSON(explanation, [](std::string_view) {});
   judge(configs, answer);
-  const auto agreed = agreement(answer);
+  const auto agreed = agreementOf(answer);
   toJSON(agreed);
   fingerprint(agreed);
-  toText(difference(agreed, {}));
+  toText(differencesBetween(agreed, {}));
 
   EXPECT_THAT(capture.records(), IsEmpty());
   EXPECT_EQ(events(), noEvents);
@@ -109,10 +109,10 @@ TEST_F(Silence, IsKeptByEverythingThatLooksAtDocuments) {
   for (const auto& text : {common::session::toJSON(configs), broken, toJSON(Offers{})}) {
     diagnose(text);
     for (const auto document :
-         {Document::ProtocolConfigs, Document::ProtocolResolutions, Document::ProtocolOffers}) {
+         {DocumentKind::ProtocolConfigs, DocumentKind::ProtocolResolutions, DocumentKind::ProtocolOffers}) {
       diagnose(document, text);
     }
-    documentOf(text);
+    documentKindOf(text);
     toOffers(text);
   }
 

@@ -27,8 +27,8 @@ using namespace foundation::corvane::common::serialization;
 using foundation::corvane::authoring::chooseVersion;
 using foundation::corvane::authoring::Offer;
 using foundation::corvane::common::session::undefinedVersion;
-using foundation::corvane::testing::allConformance;
-using foundation::corvane::testing::Conformance;
+using foundation::corvane::testing::allConformanceChecks;
+using foundation::corvane::testing::ConformanceCheck;
 using foundation::corvane::testing::ProtocolUnderTest;
 using foundation::corvane::testing::violation;
 using testing::ElementsAre;
@@ -75,9 +75,9 @@ ProtocolUnderTest telemetry(const ProtocolInitializer& initializer) {
 }
 
 /// The checks that the initializer does not pass.
-std::vector<Conformance> violated(const ProtocolInitializer& initializer) {
-  std::vector<Conformance> checks;
-  for (const auto check : allConformance) {
+std::vector<ConformanceCheck> violated(const ProtocolInitializer& initializer) {
+  std::vector<ConformanceCheck> checks;
+  for (const auto check : allConformanceChecks) {
     if (!violation(check, telemetry(initializer)).empty()) checks.push_back(check);
   }
   return checks;
@@ -97,7 +97,7 @@ TEST(conformance, CatchesAnInitializerThatServesOneConnectionAtATime) {
     }
     return Installed{version, configuration};
   };
-  EXPECT_THAT(violated(broken), ElementsAre(Conformance::Idempotence));
+  EXPECT_THAT(violated(broken), ElementsAre(ConformanceCheck::Idempotence));
 }
 
 TEST(conformance, CatchesAnInitializerThatDeclinesButLeavesItsSerializersBehind) {
@@ -107,7 +107,7 @@ TEST(conformance, CatchesAnInitializerThatDeclinesButLeavesItsSerializersBehind)
     const auto version = chosen(asked);
     return version == undefinedVersion ? Installed{version, {}} : Installed{version, configuration};
   };
-  EXPECT_THAT(violated(broken), ElementsAre(Conformance::Declining));
+  EXPECT_THAT(violated(broken), ElementsAre(ConformanceCheck::OtherMajorVersion));
 }
 
 TEST(conformance, CatchesAnInitializerThatClaimsAnyMinorVersion) {
@@ -116,7 +116,7 @@ TEST(conformance, CatchesAnInitializerThatClaimsAnyMinorVersion) {
     if (installed.first != undefinedVersion) installed.first = asked;
     return installed;
   };
-  EXPECT_THAT(violated(broken), ElementsAre(Conformance::OtherVersion));
+  EXPECT_THAT(violated(broken), ElementsAre(ConformanceCheck::NewerMinorVersion));
 }
 
 TEST(conformance, CatchesAnInitializerThatThrowsAtAnUnknownFeature) {
@@ -125,7 +125,7 @@ TEST(conformance, CatchesAnInitializerThatThrowsAtAnUnknownFeature) {
     for (const auto& [feature, value] : configuration) defaults.at(feature);
     return install(registry, asked, configuration);
   };
-  EXPECT_THAT(violated(broken), ElementsAre(Conformance::AnyConfiguration));
+  EXPECT_THAT(violated(broken), ElementsAre(ConformanceCheck::AnyConfiguration));
 }
 
 TEST(conformance, CatchesAnInitializerThatSwallowsTheFailureOfAnInsertion) {
@@ -136,7 +136,7 @@ TEST(conformance, CatchesAnInitializerThatSwallowsTheFailureOfAnInsertion) {
       return Installed{chosen(asked), configuration};
     }
   };
-  EXPECT_THAT(violated(broken), ElementsAre(Conformance::FailingInsertion));
+  EXPECT_THAT(violated(broken), ElementsAre(ConformanceCheck::FailingInsertion));
 }
 
 TEST(conformance, CatchesAnInitializerThatDoesNotTakeItsOwnConfiguration) {
@@ -147,7 +147,7 @@ TEST(conformance, CatchesAnInitializerThatDoesNotTakeItsOwnConfiguration) {
       installed.second["level"] = "3";
     return installed;
   };
-  EXPECT_THAT(violated(broken), ElementsAre(Conformance::Replay));
+  EXPECT_THAT(violated(broken), ElementsAre(ConformanceCheck::Replay));
 }
 
 TEST(conformance, CatchesAnInitializerThatTakesSides) {
@@ -156,7 +156,7 @@ TEST(conformance, CatchesAnInitializerThatTakesSides) {
     if (registry->softwareName() == "client") installed.second.erase("compression");
     return installed;
   };
-  EXPECT_THAT(violated(broken), ElementsAre(Conformance::Lockstep));
+  EXPECT_THAT(violated(broken), ElementsAre(ConformanceCheck::BothEndsAgree));
 }
 
 TEST(conformance, CatchesAnInitializerThatLacksATag) {
@@ -166,12 +166,12 @@ TEST(conformance, CatchesAnInitializerThatLacksATag) {
     insertPing(*registry);
     return Installed{version, configuration};
   };
-  EXPECT_THAT(violated(broken), ElementsAre(Conformance::UniqueTagsAndTypes));
+  EXPECT_THAT(violated(broken), ElementsAre(ConformanceCheck::UniqueTagsAndTypes));
 }
 
 // What `violation` says of a protocol of one version, whose initializer does as usual, and then something to
 // the result.
-std::string said(Conformance check, const std::function<void(Registry&, Installed&)>& something) {
+std::string said(ConformanceCheck check, const std::function<void(Registry&, Installed&)>& something) {
   auto protocol = telemetry([something](const auto& registry, const auto& asked, const auto& configuration) {
     auto installed = install(registry, asked, configuration);
     something(*registry, installed);
@@ -192,7 +192,7 @@ class FirstOnly {
 
 TEST(conformance, SaysInWhatASecondConnectionDiffers) {
   const auto ofSecond = [](const std::function<void(Installed&)>& something) {
-    return said(Conformance::Idempotence, [something, isFirst = FirstOnly()](auto&, auto& installed) {
+    return said(ConformanceCheck::Idempotence, [something, isFirst = FirstOnly()](auto&, auto& installed) {
       if (!isFirst()) something(installed);
     });
   };
@@ -213,7 +213,7 @@ TEST(conformance, SaysInWhatASecondConnectionDiffers) {
             "a second connection got 2.0, the first one 2.1, of version 2.1");
   EXPECT_EQ(ofSecond([](auto& installed) { installed.second.clear(); }),
             "a second connection got another configuration than the first");
-  EXPECT_EQ(violation(Conformance::Idempotence, lacking),
+  EXPECT_EQ(violation(ConformanceCheck::Idempotence, lacking),
             "a second connection got other serializers than the first");
 }
 
@@ -228,12 +228,13 @@ TEST(conformance, SaysHowAForeignVersionWasAnswered) {
     return Installed{chosen(asked), configuration};
   };
   const auto answering = [](const Version& answer) {
-    return said(Conformance::OtherVersion, [answer](auto&, auto& installed) { installed.first = answer; });
+    return said(ConformanceCheck::NewerMinorVersion,
+                [answer](auto&, auto& installed) { installed.first = answer; });
   };
 
-  EXPECT_EQ(violation(Conformance::Declining, telemetry(accepting)),
+  EXPECT_EQ(violation(ConformanceCheck::OtherMajorVersion, telemetry(accepting)),
             "version 3.0 is not supported, but was answered with 3.0");
-  EXPECT_EQ(violation(Conformance::Declining, telemetry(littering)),
+  EXPECT_EQ(violation(ConformanceCheck::OtherMajorVersion, telemetry(littering)),
             "version 3.0 was declined, but serializers were left in the registry");
   EXPECT_EQ(answering({2, 2}), "version 2.2 was answered with 2.2, which is not supported");
   EXPECT_EQ(answering({1, 4}), "version 2.2 was answered with 1.4, which is not supported");
@@ -248,13 +249,13 @@ TEST(conformance, TakesASupportedVersionOfAnotherMajorForUnsupported) {
     return installed;
   };
 
-  EXPECT_EQ(violation(Conformance::OtherVersion, telemetry(broken)),
+  EXPECT_EQ(violation(ConformanceCheck::NewerMinorVersion, telemetry(broken)),
             "version 2.2 was answered with 1.4, which is not supported");
 }
 
 TEST(conformance, SaysWhichConfigurationWasDeclined) {
   const auto declining = [](std::size_t settings) {
-    return said(Conformance::AnyConfiguration, [settings](auto&, auto& installed) {
+    return said(ConformanceCheck::AnyConfiguration, [settings](auto&, auto& installed) {
       if (installed.second.size() == settings) installed.first = undefinedVersion;
     });
   };
@@ -288,13 +289,13 @@ TEST(conformance, SaysWhichFailureWasSwallowed) {
   auto withoutTags = telemetry(inserting);
   withoutTags.tags.clear();
 
-  EXPECT_EQ(violation(Conformance::FailingInsertion, telemetry(swallowing)),
+  EXPECT_EQ(violation(ConformanceCheck::FailingInsertion, telemetry(swallowing)),
             "installed into a closed registry without an exception");
-  EXPECT_EQ(violation(Conformance::FailingInsertion, telemetry(evading)),
+  EXPECT_EQ(violation(ConformanceCheck::FailingInsertion, telemetry(evading)),
             "installed without an exception though the tag telemetry.ping was taken");
-  EXPECT_EQ(violation(Conformance::FailingInsertion, telemetry(evadingTheLast)),
+  EXPECT_EQ(violation(ConformanceCheck::FailingInsertion, telemetry(evadingTheLast)),
             "installed without an exception though the tag telemetry.pong was taken");
-  EXPECT_EQ(violation(Conformance::FailingInsertion, withoutTags), "");
+  EXPECT_EQ(violation(ConformanceCheck::FailingInsertion, withoutTags), "");
 }
 
 TEST(conformance, SaysWhyARecordCannotBeInstalledAgain) {
@@ -302,14 +303,14 @@ TEST(conformance, SaysWhyARecordCannotBeInstalledAgain) {
     if (installed.second.erase("level") == 0) installed.second["level"] = "3";
   };
 
-  EXPECT_EQ(said(Conformance::Replay, forgetful),
+  EXPECT_EQ(said(ConformanceCheck::Replay, forgetful),
             "version 2.1 cannot be installed again as it was recorded: Inconsistent serialization protocol "
             "configuration");
 }
 
 TEST(conformance, SaysInWhatTheEndsDiffer) {
   const auto ofClient = [](const std::function<void(Installed&)>& something) {
-    return said(Conformance::Lockstep, [something](Registry& registry, Installed& installed) {
+    return said(ConformanceCheck::BothEndsAgree, [something](Registry& registry, Installed& installed) {
       if (registry.softwareName() == "client") something(installed);
     });
   };
@@ -335,7 +336,7 @@ TEST(conformance, PlaysANegotiationWithoutFeaturesToo) {
   protocol.versions = {{2, 1}};
   protocol.features.clear();
 
-  EXPECT_EQ(violation(Conformance::Lockstep, protocol),
+  EXPECT_EQ(violation(ConformanceCheck::BothEndsAgree, protocol),
             "client and server have different configurations of version 2.1");
 }
 
@@ -346,9 +347,10 @@ TEST(conformance, SaysWhatIsWrongWithTheTags) {
   auto twice = telemetry(install);
   twice.tags.push_back("telemetry.ping");
 
-  EXPECT_EQ(violation(Conformance::UniqueTagsAndTypes, telemetry(declining)),
+  EXPECT_EQ(violation(ConformanceCheck::UniqueTagsAndTypes, telemetry(declining)),
             "version 1.4 has no serializer of the tag telemetry.ping");
-  EXPECT_EQ(violation(Conformance::UniqueTagsAndTypes, twice), "the tag telemetry.ping is promised twice");
+  EXPECT_EQ(violation(ConformanceCheck::UniqueTagsAndTypes, twice),
+            "the tag telemetry.ping is promised twice");
 }
 
 TEST(conformance, SaysWhatTheInitializerThrew) {
@@ -357,10 +359,10 @@ TEST(conformance, SaysWhatTheInitializerThrew) {
   };
   const auto throwingANumber = [](const auto&, const auto&, const auto&) -> Installed { throw 7; };
 
-  EXPECT_EQ(violation(Conformance::Lockstep, telemetry(throwing)), "an exception came out: mine");
-  EXPECT_EQ(violation(Conformance::Lockstep, telemetry(throwingANumber)),
+  EXPECT_EQ(violation(ConformanceCheck::BothEndsAgree, telemetry(throwing)), "an exception came out: mine");
+  EXPECT_EQ(violation(ConformanceCheck::BothEndsAgree, telemetry(throwingANumber)),
             "an exception came out that is no std::exception");
-  EXPECT_EQ(violation(Conformance::FailingInsertion, telemetry(throwingANumber)),
+  EXPECT_EQ(violation(ConformanceCheck::FailingInsertion, telemetry(throwingANumber)),
             "an exception came out that is no std::exception");
 }
 
@@ -372,7 +374,7 @@ TEST(conformance, LetsRunningOutOfMemoryThrough) {
     if (++calls == failing) throw std::bad_alloc();
     return install(registry, asked, configuration);
   });
-  for (const auto check : allConformance) {
+  for (const auto check : allConformanceChecks) {
     calls = failing = 0;
     ASSERT_EQ(violation(check, protocol), "");
     const int all = calls;
@@ -415,30 +417,30 @@ TEST(conformance, ChecksAnEmptyConfigurationToo) {
     return configuration.empty() ? Installed{undefinedVersion, {}} : install(registry, asked, configuration);
   };
 
-  EXPECT_EQ(violation(Conformance::AnyConfiguration, telemetry(broken)),
+  EXPECT_EQ(violation(ConformanceCheck::AnyConfiguration, telemetry(broken)),
             "declined for an empty configuration");
 }
 
 TEST(conformance, HasNothingToSayOfACheckWithoutAName) {
   const auto throwing = [](const auto&, const auto&, const auto&) -> Installed { throw 7; };
 
-  EXPECT_EQ(violation(static_cast<Conformance>(99), telemetry(throwing)), "");
+  EXPECT_EQ(violation(static_cast<ConformanceCheck>(99), telemetry(throwing)), "");
 }
 
 TEST(conformance, AsksForAVersion) {
   auto protocol = telemetry(install);
   protocol.versions.clear();
 
-  EXPECT_EQ(violation(Conformance::Declining, protocol), "no version is promised");
+  EXPECT_EQ(violation(ConformanceCheck::OtherMajorVersion, protocol), "no version is promised");
 }
 
 TEST(conformance, NamesEachCheck) {
   std::vector<std::string> names;
-  for (const auto check : allConformance) names.emplace_back(toCString(check));
+  for (const auto check : allConformanceChecks) names.emplace_back(toCString(check));
 
-  EXPECT_THAT(names, ElementsAre("Idempotence", "Declining", "OtherVersion", "AnyConfiguration",
-                                 "FailingInsertion", "Replay", "Lockstep", "UniqueTagsAndTypes"));
-  EXPECT_STREQ(toCString(static_cast<Conformance>(99)), "");
+  EXPECT_THAT(names, ElementsAre("Idempotence", "OtherMajorVersion", "NewerMinorVersion", "AnyConfiguration",
+                                 "FailingInsertion", "Replay", "BothEndsAgree", "UniqueTagsAndTypes"));
+  EXPECT_STREQ(toCString(static_cast<ConformanceCheck>(99)), "");
 }
 
 }  // namespace

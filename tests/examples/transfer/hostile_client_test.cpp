@@ -229,11 +229,11 @@ TEST_F(HostileClient, SendsADocumentOutOfTurn) {
 TEST_F(HostileClient, HasAnotherRegistry) {
   sayHello();
   Conversation conversation(connection());
-  conversation.hear(Document::offers);
-  conversation.say(Document::requests,
+  conversation.hear(SetupMessage::offers);
+  conversation.say(SetupMessage::requests,
                    R"({"protocolConfigs":[{"name":"Transfer","version":{"major":1,"minor":0}}]})");
-  conversation.hear(Document::answers);
-  conversation.say(Document::agreement, "0f1e2d3c-4b5a-5978-8695-a4b3c2d1e0ff");
+  conversation.hear(SetupMessage::answers);
+  conversation.say(SetupMessage::agreement, "0f1e2d3c-4b5a-5978-8695-a4b3c2d1e0ff");
 
   EXPECT_THAT(outcome(), FailedWith("the registries of the two ends differ"));
 }

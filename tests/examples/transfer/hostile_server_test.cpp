@@ -61,9 +61,9 @@ class ServerSide : public testing::Test {
   void answer(const std::string& document) {
     sayHello();
     Conversation conversation(connection());
-    conversation.say(Document::offers, usualOffer);
-    conversation.hear(Document::requests);
-    conversation.say(Document::answers, document);
+    conversation.say(SetupMessage::offers, usualOffer);
+    conversation.hear(SetupMessage::requests);
+    conversation.say(SetupMessage::answers, document);
   }
 
   /// All goes well until the first message is due.
@@ -244,8 +244,8 @@ TEST_F(HostileServer, HasAnotherRegistry) {
   answer(R"({"protocolResolutions":[{"name":"Transfer","version":{"major":1,"minor":2},"resolutions":[
       {"name":"compression","message":"zstd","status":"success"}]}]})");
   Conversation conversation(connection());
-  conversation.hear(Document::agreement);
-  conversation.say(Document::agreement, "0f1e2d3c-4b5a-5978-8695-a4b3c2d1e0ff");
+  conversation.hear(SetupMessage::agreement);
+  conversation.say(SetupMessage::agreement, "0f1e2d3c-4b5a-5978-8695-a4b3c2d1e0ff");
 
   EXPECT_THAT(outcome(), FailedWith("the registries of the two ends differ"));
 }
@@ -254,8 +254,8 @@ TEST_F(HostileServer, HasAFingerprintThatIsNone) {
   answer(R"({"protocolResolutions":[{"name":"Transfer","version":{"major":1,"minor":2},"resolutions":[
       {"name":"compression","message":"zstd","status":"success"}]}]})");
   Conversation conversation(connection());
-  conversation.hear(Document::agreement);
-  conversation.say(Document::agreement, std::string(100'000, 'f'));
+  conversation.hear(SetupMessage::agreement);
+  conversation.say(SetupMessage::agreement, std::string(100'000, 'f'));
 
   EXPECT_THAT(outcome(), FailedWith("invalid uuid string"));
 }

@@ -90,7 +90,7 @@ TEST_F(Negotiation, TellsWhyThereIsNotMore) {
     return ElementsAre(Field(explained, outcomes)...);
   };
   EXPECT_THAT(protocols, became(&inspect::ProtocolExplanation::outcome, ProtocolOutcome::OlderVersion,
-                                ProtocolOutcome::Unknown));
+                                ProtocolOutcome::NotOffered));
   EXPECT_THAT(
       protocols.front().features,
       became(&inspect::FeatureExplanation::outcome, FeatureOutcome::Accepted, FeatureOutcome::Accepted,
@@ -113,7 +113,7 @@ TEST_F(Negotiation, HasOneFingerprintOnBothEnds) {
   registerTransfer(*protocols, {1, 3}, {});
   handleProtocolResolutions(protocols, session::toResolutions(kept("answer")), client);
   const auto fingerprint =
-      foundation::corvane::common::uuid::toString(inspect::fingerprint(inspect::agreement(*client)));
+      foundation::corvane::common::uuid::toString(inspect::fingerprint(inspect::agreementOf(*client)));
   for (const std::string end : {"client", "server"}) {
     EXPECT_THAT(linesOf(outcome.out), IsSupersetOf({end + " | fingerprint of this registry   " + fingerprint,
                                                     end + " | fingerprint of the peer's      " + fingerprint,

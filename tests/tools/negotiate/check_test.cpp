@@ -52,7 +52,7 @@ TEST_F(Check, DegradesWhereAWishFails) {
 
   EXPECT_EQ(outcome.status, 1);
   EXPECT_THAT(lastLineOf(outcome.out),
-              AllOf(StartsWith("Degraded: "), HasSubstr("batching"), EndsWith(" [WishFailed]")));
+              AllOf(StartsWith("Degraded: "), HasSubstr("batching"), EndsWith(" [OptionalFailed]")));
 }
 
 TEST_F(Check, DegradesWhereTheRequestIsNotReadAsItStands) {
@@ -90,8 +90,8 @@ TEST_F(Check, RefusesWhereSomethingRequiredFails) {
 
 TEST_F(Check, RefusesOnTheGroundsThatAreChosen) {
   EXPECT_EQ(check(vainRequest, {"--refuse", "none"}).status, 1);
-  EXPECT_EQ(check(vainRequest, {"--refuse", "WishFailed,ProtocolLost"}).status, 1);
-  EXPECT_EQ(check(wishfulRequest, {"--refuse", "RequiredFailed,WishFailed"}).status, 3);
+  EXPECT_EQ(check(vainRequest, {"--refuse", "OptionalFailed,ProtocolLost"}).status, 1);
+  EXPECT_EQ(check(wishfulRequest, {"--refuse", "RequiredFailed,OptionalFailed"}).status, 3);
   EXPECT_EQ(check(wishfulRequest, {"--refuse=all"}).status, 3);
   EXPECT_EQ(check(soundRequest, {"--refuse=all"}).status, 0);
 }
@@ -121,7 +121,7 @@ TEST_F(Check, TellsEverythingAsOneObject) {
   EXPECT_THAT(reason.at("sentence").to<std::string>(), Not(IsEmpty()));
   reason.erase("sentence");
   EXPECT_EQ(foundation::json::serialize(reason),
-            R"({"feature":"batching","ground":"WishFailed","protocol":"Telemetry","refuses":false})");
+            R"({"feature":"batching","kind":"OptionalFailed","protocol":"Telemetry","refuses":false})");
 }
 
 TEST_F(Check, TellsTheFindingsOfAllDocumentsInTheObjectToo) {

@@ -50,9 +50,9 @@ TEST_F(Explain, RefusesAnAnswerThatLacksWhatWasRequired) {
 TEST_F(Explain, SaysMoreWithOffers) {
   const auto theirs = workspace.write("offers.json", offers);
 
-  EXPECT_THAT(explain(emptyAnswer).out, HasSubstr("UnknownOrDeclined"));
+  EXPECT_THAT(explain(emptyAnswer).out, HasSubstr("NotOfferedOrDeclined"));
   EXPECT_THAT(explain(emptyAnswer, {"--offers", theirs}).out,
-              AllOf(HasSubstr("Declined"), Not(HasSubstr("UnknownOrDeclined"))));
+              AllOf(HasSubstr("Declined"), Not(HasSubstr("NotOfferedOrDeclined"))));
 }
 
 TEST_F(Explain, TellsEverythingAsOneObject) {

@@ -30,10 +30,10 @@ TEST_F(Matrix, HasARowForEachRequestAndAColumnForEachServer) {
 
   const std::string indent(wishful.size() - sound.size(), ' ');
   EXPECT_EQ(outcome.status, 3);
-  EXPECT_EQ(outcome.out, "request" + std::string(wishful.size() - 5, ' ') + "Hub 1.3               " +
+  EXPECT_EQ(outcome.out, "request" + std::string(wishful.size() - 5, ' ') + "Hub 1.3                   " +
                              nobody + '\n' + sound + indent +
-                             "  Agreed                Refused: RequiredFailed, ProtocolLost\n" + wishful +
-                             "  Degraded: WishFailed  Degraded: ProtocolLost\n");
+                             "  Agreed                    Refused: RequiredFailed, ProtocolLost\n" + wishful +
+                             "  Degraded: OptionalFailed  Degraded: ProtocolLost\n");
   EXPECT_THAT(outcome.err, IsEmpty());
 }
 

@@ -34,13 +34,13 @@ done
 
 help=$("$program" check --help | tr -s ' \n' ' ')
 default=$(grep -o 'If this is not given[A-Za-z, ]*\.' <<<"$help")
-grep -qF "$default" <<<"$manual" || fail "the manual has other default grounds"
-grounds=$(grep -o 'some of [A-Za-z, ]*' <<<"$help" | grep -oE '[A-Z][A-Za-z]+' | sorted)
-[ "$(completed check --refuse '' | grep '^[A-Z]' | sorted)" = "$grounds" ] || fail "the completion has other grounds"
-for ground in $grounds; do
-  grep -q "^\.B $ground" <<<"$manual" || fail "the manual lacks the ground $ground"
+grep -qF "$default" <<<"$manual" || fail "the manual has other default reasons"
+reasons=$(grep -o 'some of [A-Za-z, ]*' <<<"$help" | grep -oE '[A-Z][A-Za-z]+' | sorted)
+[ "$(completed check --refuse '' | grep '^[A-Z]' | sorted)" = "$reasons" ] || fail "the completion has other reasons"
+for reason in $reasons; do
+  grep -q "^\.B $reason" <<<"$manual" || fail "the manual lacks the reason $reason"
 done
-[ "$(completed check --refuse = WishFailed,Prot)" = WishFailed,ProtocolLost ] || fail "no second ground is completed"
+[ "$(completed check --refuse = OptionalFailed,Prot)" = OptionalFailed,ProtocolLost ] || fail "no second reason is completed"
 [ "$(completed check --colour a)" = $'auto\nalways' ] || fail "no colour is completed"
 [ "$(completed matrix offers --m)" = --markdown ] || fail "no option is completed before --"
 folder=$(mktemp -d)

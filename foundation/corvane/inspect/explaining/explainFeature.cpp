@@ -24,7 +24,7 @@ FeatureOutcome outcomeOfSuccess(const Feature& feature) {
 }
 
 FeatureOutcome outcomeOf(const Feature& feature) {
-  if (feature.protocol.fate != Fate::Installed) return FeatureOutcome::ProtocolLost;
+  if (feature.protocol.result != RequestResult::Installed) return FeatureOutcome::ProtocolLost;
   if (feature.match.succeeded) return outcomeOfSuccess(feature);
   if (feature.match.first == nullptr) return FeatureOutcome::Unanswered;
   switch (feature.match.first->status) {

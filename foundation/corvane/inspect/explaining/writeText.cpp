@@ -58,13 +58,13 @@ std::string_view colourOf(ProtocolOutcome outcome) {
     case ProtocolOutcome::OlderVersion:
     case ProtocolOutcome::NewerVersion:
       return yellow;
-    case ProtocolOutcome::NoVersion:
+    case ProtocolOutcome::RequestWithoutVersion:
     case ProtocolOutcome::Unreadable:
-    case ProtocolOutcome::Unknown:
+    case ProtocolOutcome::NotOffered:
     case ProtocolOutcome::Declined:
-    case ProtocolOutcome::UnknownOrDeclined:
+    case ProtocolOutcome::NotOfferedOrDeclined:
     case ProtocolOutcome::VersionConflict:
-    case ProtocolOutcome::Undefined:
+    case ProtocolOutcome::AnswerWithoutVersion:
       break;
   }
   return red;
@@ -148,7 +148,7 @@ void writeText(const Explanation& explanation, Colour colour, const TextSink& wr
   const auto widths = widthsOf(explanation);
   std::string line;
   forEachRow(explanation, [&](Row row) {
-    if (explanation.isVoid && row.colour == green) row.colour = red;
+    if (explanation.negotiationFails && row.colour == green) row.colour = red;
     line.clear();
     appendRow(line, row, widths, colour);
     write(line);

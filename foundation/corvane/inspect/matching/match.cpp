@@ -162,7 +162,7 @@ class Matcher {
       auto& installation = matching_.installations[name];
       fill(installation, positions);
       assign(positions);
-      setFates(installation, positions);
+      setResults(installation, positions);
     }
     addUnasked();
     for (auto& match : matching_.matches) {
@@ -184,7 +184,7 @@ class Matcher {
       matching_.matches[i].request = &config;
       matching_.matches[i].installation = &matching_.installations[config.name];
       if (config.version == undefinedVersion) {
-        matching_.matches[i].fate = Fate::NoVersion;
+        matching_.matches[i].result = RequestResult::WithoutVersion;
       } else {
         name.requests.push_back(i);
       }
@@ -270,17 +270,18 @@ class Matcher {
     return spare;
   }
 
-  void setFates(const Installation& installation, const Name& name) {
+  void setResults(const Installation& installation, const Name& name) {
     bool isInstalled = false;
     for (const auto i : name.requests) {
       auto& match = matching_.matches[i];
       const bool isAtOdds = isInstalled && match.request->version != installation.answer->version;
       if (match.answer == nullptr) {
-        match.fate = isAtOdds ? Fate::Conflict : Fate::Missing;
+        match.result = isAtOdds ? RequestResult::Conflict : RequestResult::Missing;
       } else if (match.answer->version == undefinedVersion) {
-        match.fate = Fate::Versionless;
+        match.result = RequestResult::AnsweredWithoutVersion;
       } else {
-        match.fate = isAtOdds && match.isContradicted() ? Fate::Conflict : Fate::Installed;
+        match.result =
+            isAtOdds && match.isContradicted() ? RequestResult::Conflict : RequestResult::Installed;
         isInstalled = true;
       }
     }

@@ -22,12 +22,12 @@ namespace foundation::corvane::inspect::detail {
 bool isKnown(common::session::FeatureHandling handling) noexcept;
 
 /// What became of a request for a protocol.
-enum class Fate : std::uint8_t {
+enum class RequestResult : std::uint8_t {
   Installed,
-  NoVersion,    ///< The request has no version, so a server drops it.
-  Missing,      ///< The answer does not have it.
-  Versionless,  ///< The answer has it without a version, so a client passes it over.
-  Conflict,     ///< The protocol is installed at another version, which ends the negotiation.
+  WithoutVersion,          ///< The request has no version, so a server drops it.
+  Missing,                 ///< The answer does not have it.
+  AnsweredWithoutVersion,  ///< The answer has it without a version, so a client passes it over.
+  Conflict,                ///< The protocol is installed at another version, which ends the negotiation.
 };
 
 /// What a client makes of all the answers for one protocol: it installs the first one that has a version.
@@ -65,8 +65,8 @@ struct FeatureMatches {
 struct ProtocolMatch {
   const common::session::MessageProtocolConfig* request = nullptr;
   const common::session::MessageProtocolResolution* answer = nullptr;
-  const Installation* installation = nullptr;  ///< That of the name; never null.
-  Fate fate = Fate::Missing;                   ///< Means nothing without a request.
+  const Installation* installation = nullptr;     ///< That of the name; never null.
+  RequestResult result = RequestResult::Missing;  ///< Means nothing without a request.
   FeatureMatches features;
 
   /// Whether the answer's version is not that of an earlier answer for the protocol, so that a client throws.

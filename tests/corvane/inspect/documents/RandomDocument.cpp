@@ -7,7 +7,7 @@
 
 namespace inspect_test {
 
-using foundation::corvane::inspect::Document;
+using foundation::corvane::inspect::DocumentKind;
 
 std::string RandomDocument::anything() {
   static constexpr std::array values{"null", "true", "7",     "-1.5", "\"text\"",      "\"\"",
@@ -98,15 +98,15 @@ std::string RandomDocument::offer() {
   return object(member("name", text()), member("features", list([&] { return request(); })));
 }
 
-std::string RandomDocument::next(Document document) {
+std::string RandomDocument::next(DocumentKind document) {
   faultOneIn_ = below(3) == 0 ? 1'000'000 : 5 + below(60);
   if (fault()) return anything();
   switch (document) {
-    case Document::ProtocolConfigs:
+    case DocumentKind::ProtocolConfigs:
       return object(member("protocolConfigs", list([&] { return config("features"); })));
-    case Document::ProtocolResolutions:
+    case DocumentKind::ProtocolResolutions:
       return object(member("protocolResolutions", list([&] { return config("resolutions"); })));
-    case Document::ProtocolOffers:
+    case DocumentKind::ProtocolOffers:
       break;
   }
   return object(

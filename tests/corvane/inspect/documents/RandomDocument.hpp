@@ -4,7 +4,7 @@
 #include <random>
 #include <string>
 
-#include "foundation/corvane/inspect/Document.hpp"
+#include "foundation/corvane/inspect/DocumentKind.hpp"
 
 namespace inspect_test {
 
@@ -13,7 +13,7 @@ class RandomDocument {
  public:
   explicit RandomDocument(unsigned seed) : engine_(seed) {}
 
-  std::string next(foundation::corvane::inspect::Document document);
+  std::string next(foundation::corvane::inspect::DocumentKind document);
 
   /// The text with a few bytes changed, left out, or put in; seldom JSON.
   std::string spoiled(std::string text);

@@ -158,8 +158,8 @@ TEST(ExplanationText, ColoursWhatCameOut) {
   EXPECT_EQ(colourOf(Agreed), green);
   EXPECT_EQ(colourOf(OlderVersion), yellow);
   EXPECT_EQ(colourOf(NewerVersion), yellow);
-  for (const auto lost : {NoVersion, Unreadable, Unknown, Declined, UnknownOrDeclined, VersionConflict,
-                          Undefined, static_cast<ProtocolOutcome>(99)}) {
+  for (const auto lost : {RequestWithoutVersion, Unreadable, NotOffered, Declined, NotOfferedOrDeclined,
+                          VersionConflict, AnswerWithoutVersion, static_cast<ProtocolOutcome>(99)}) {
     EXPECT_EQ(colourOf(lost), red) << toCString(lost);
   }
   EXPECT_EQ(colourOf(FeatureOutcome::Accepted, FeatureHandling::required), green);

@@ -65,7 +65,7 @@ TEST(Matching, RemembersAContradictionWhateverFollows) {
       {{"p", {1, 0}, {{"x", "1", success}, {"x", "1", unsupported_error}, {"x", "1", unsupported_error}}}});
 
   ASSERT_EQ(judgement.reasons.size(), 1U);
-  EXPECT_EQ(judgement.reasons.front().ground, Ground::ContradictoryEntries);
+  EXPECT_EQ(judgement.reasons.front().kind, ReasonKind::ContradictoryEntries);
 }
 
 // Which requests, by their positions, have an answer.
@@ -75,7 +75,8 @@ std::vector<std::size_t> answered(const std::vector<MessageProtocolConfig>& requ
   const auto explanation = explain(requests, answer);
   for (std::size_t i = 0; i != explanation.protocols.size(); ++i) {
     const auto outcome = explanation.protocols[i].outcome;
-    const bool isLost = outcome == ProtocolOutcome::UnknownOrDeclined || outcome == ProtocolOutcome::Declined;
+    const bool isLost =
+        outcome == ProtocolOutcome::NotOfferedOrDeclined || outcome == ProtocolOutcome::Declined;
     if (!isLost) positions.push_back(i);
   }
   return positions;

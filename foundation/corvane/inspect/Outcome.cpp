@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "foundation/corvane/inspect/Explanation.hpp"
+#include "foundation/corvane/inspect/Outcome.hpp"
 
 namespace foundation::corvane::inspect {
 
@@ -34,20 +34,20 @@ const char* toCString(ProtocolOutcome outcome) noexcept {
       return "OlderVersion";
     case ProtocolOutcome::NewerVersion:
       return "NewerVersion";
-    case ProtocolOutcome::NoVersion:
-      return "NoVersion";
+    case ProtocolOutcome::RequestWithoutVersion:
+      return "RequestWithoutVersion";
     case ProtocolOutcome::Unreadable:
       return "Unreadable";
-    case ProtocolOutcome::Unknown:
-      return "Unknown";
+    case ProtocolOutcome::NotOffered:
+      return "NotOffered";
     case ProtocolOutcome::Declined:
       return "Declined";
-    case ProtocolOutcome::UnknownOrDeclined:
-      return "UnknownOrDeclined";
+    case ProtocolOutcome::NotOfferedOrDeclined:
+      return "NotOfferedOrDeclined";
     case ProtocolOutcome::VersionConflict:
       return "VersionConflict";
-    case ProtocolOutcome::Undefined:
-      return "Undefined";
+    case ProtocolOutcome::AnswerWithoutVersion:
+      return "AnswerWithoutVersion";
   }
   return "";
 }

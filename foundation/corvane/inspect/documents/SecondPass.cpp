@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "foundation/corvane/inspect/documents/Reporter.hpp"
+#include "foundation/corvane/inspect/documents/SecondPass.hpp"
 
 #include <utility>
 
-#include "foundation/corvane/inspect/documents/sentences.hpp"
+#include "foundation/corvane/inspect/documents/findingSentences.hpp"
 #include "foundation/corvane/inspect/text/quoted.hpp"
 
 namespace foundation::corvane::inspect::detail {
@@ -47,26 +47,26 @@ std::string inQuotes(std::string_view name) {
 
 }  // namespace
 
-Reporter::Reporter(std::string_view text, const Fates& fates, const FindingVisitor& visit) noexcept
-    : fates_(fates), visit_(visit), places_(text) {}
+SecondPass::SecondPass(std::string_view text, const Losses& losses, const FindingVisitor& visit) noexcept
+    : losses_(losses), visit_(visit), places_(text) {}
 
-void Reporter::beginObject(const json::Reader& reader, Members members) {
+void SecondPass::beginObject(const json::Reader& reader, Members members) {
   Object object{
       members, places_.at(reader.offset()), path_.size(), path_.size(), 0, 0, seen_.size(), false, false,
       false};
   seen_.resize(seen_.size() + members.size());
-  object.lost = fates_.lost[objects_++];
+  object.lost = losses_.lost[objects_++];
   if (!open_.empty()) {
     const auto& parent = open_.back();
     object.silent = parent.silent || parent.replaced || (parent.lost && isElement_);
-    // An object that is no element is a part of the one that it stands in, and shares its fate.
+    // An object that is no element is a part of the one that it stands in, and shares its result.
     object.lost = object.lost || (parent.lost && !isElement_);
   }
   isElement_ = false;
   open_.push_back(object);
 }
 
-void Reporter::member(const json::Reader& reader, std::size_t index) {
+void SecondPass::member(const json::Reader& reader, std::size_t index) {
   auto& object = open_.back();
   object.member = index;
   object.elements = 0;
@@ -86,7 +86,7 @@ void Reporter::member(const json::Reader& reader, std::size_t index) {
   appendStep(path_, name);
   object.memberPathSize = path_.size();
   seen_[object.seen + index] = true;
-  const bool replaced = fates_.replaced[members_++];
+  const bool replaced = losses_.replaced[members_++];
   if (replaced && isHeard(Effect::Dropped)) {
     report(Rule::RepeatedMember, Effect::Dropped, places_.at(reader.offset()),
            "there is a later " + inQuotes(name) + ", which counts: this one is passed over");
@@ -94,7 +94,7 @@ void Reporter::member(const json::Reader& reader, std::size_t index) {
   object.replaced = replaced;
 }
 
-void Reporter::misfit(const json::Reader& reader, Misfit misfit) {
+void SecondPass::misfit(const json::Reader& reader, Misfit misfit) {
   const auto& object = open_.back();
   const auto& member = object.members[object.member];
   const auto effect = misfit == Misfit::Range ? Effect::RecordLost : effectOn(member);
@@ -105,15 +105,15 @@ void Reporter::misfit(const json::Reader& reader, Misfit misfit) {
              consequence(effect, object.members, object.member));
 }
 
-void Reporter::reread(const json::Reader& reader, double /*number*/, unsigned taken) {
-  if (!isHeard(Effect::Reread)) return;
+void SecondPass::reread(const json::Reader& reader, double /*number*/, unsigned taken) {
+  if (!isHeard(Effect::Rounded)) return;
   const auto& object = open_.back();
-  report(Rule::FractionalNumber, Effect::Reread, places_.at(reader.offset()),
+  report(Rule::FractionalNumber, Effect::Rounded, places_.at(reader.offset()),
          inQuotes(object.members[object.member].name) + " is " + describe(reader) +
              " and should be a whole number: it counts as " + std::to_string(taken));
 }
 
-void Reporter::endObject(const json::Reader& /*reader*/, bool /*whole*/) {
+void SecondPass::endObject(const json::Reader& /*reader*/, bool /*whole*/) {
   const auto& object = open_.back();  // whose last member nothing can replace
   for (std::size_t i = 0; i != object.members.size(); ++i) {
     if (seen_[object.seen + i]) continue;
@@ -131,7 +131,7 @@ void Reporter::endObject(const json::Reader& /*reader*/, bool /*whole*/) {
   open_.pop_back();
 }
 
-void Reporter::element(const json::Reader& reader) {
+void SecondPass::element(const json::Reader& reader) {
   auto& object = open_.back();
   path_.resize(object.memberPathSize);
   appendStep(path_, std::to_string(object.elements++));
@@ -143,18 +143,18 @@ void Reporter::element(const json::Reader& reader) {
 }
 
 // Of what is lost, only what lost it is worth telling.
-bool Reporter::isHeard(Effect effect) const noexcept {
+bool SecondPass::isHeard(Effect effect) const noexcept {
   const auto& object = open_.back();
   if (object.silent || object.replaced) return false;
   return !object.lost || effect == Effect::RecordLost || effect == Effect::DocumentLost;
 }
 
-Effect Reporter::effectOn(const Member& member) const noexcept {
+Effect SecondPass::effectOn(const Member& member) const noexcept {
   if (!member.required) return Effect::Defaulted;
   return open_.size() == 1 ? Effect::DocumentLost : Effect::RecordLost;
 }
 
-void Reporter::report(Rule rule, Effect effect, const Place& place, std::string sentence) {
+void SecondPass::report(Rule rule, Effect effect, const Place& place, std::string sentence) {
   const Finding finding{rule, effect, path_, place.offset, place.line, place.column, std::move(sentence)};
   if (!visit_(finding)) throw Enough{};
 }

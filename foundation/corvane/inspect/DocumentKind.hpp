@@ -9,8 +9,8 @@
 
 namespace foundation::corvane::inspect {
 
-/// The documents that processes exchange, or that are kept of them.
-enum class Document : std::uint8_t {
+/// The kinds of documents that processes exchange, or that are kept of them.
+enum class DocumentKind : std::uint8_t {
   ProtocolConfigs,      ///< A client's requests: `common::session::toConfigs` reads it.
   ProtocolResolutions,  ///< A server's answer: `common::session::toResolutions` reads it.
   ProtocolOffers,       ///< What a process offers: `toOffers` reads it.
@@ -18,10 +18,10 @@ enum class Document : std::uint8_t {
 
 /// The member that holds the document's list: "protocolConfigs", "protocolResolutions" or "protocolOffers".
 /// Static storage.
-FOUNDATION_EXPORT const char* listName(Document document) noexcept;
+FOUNDATION_EXPORT const char* listName(DocumentKind document) noexcept;
 
-/// Which document the text means to be: the one whose list comes first among the members of its object. Empty
-/// if there is none, or where the text stops being JSON before that shows. Linear in the text; any thread.
-FOUNDATION_EXPORT std::optional<Document> documentOf(std::string_view text) noexcept;
+/// The kind of the document: the one whose list comes first among the members of its object. Empty if it has
+/// no such list, or if the text stops being JSON before the list. Linear in the text; any thread.
+FOUNDATION_EXPORT std::optional<DocumentKind> documentKindOf(std::string_view text) noexcept;
 
 }  // namespace foundation::corvane::inspect

@@ -15,10 +15,10 @@ struct Place {
 };
 
 /// Finds lines and columns of offsets that never go back. Linear in the text, over all calls.
-class Places {
+class PlaceFinder {
  public:
   /// Refers to the text.
-  explicit Places(std::string_view text) noexcept : text_(text) {}
+  explicit PlaceFinder(std::string_view text) noexcept : text_(text) {}
 
   Place at(std::size_t offset) noexcept;
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "foundation/corvane/inspect/documents/sentences.hpp"
+#include "foundation/corvane/inspect/documents/findingSentences.hpp"
 
 #include "foundation/corvane/inspect/offers/offersTables.hpp"
 #include "foundation/corvane/inspect/text/quoted.hpp"

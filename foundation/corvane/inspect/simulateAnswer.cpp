@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "foundation/corvane/inspect/rehearse.hpp"
+#include "foundation/corvane/inspect/simulateAnswer.hpp"
 
 #include <map>
 #include <set>
@@ -39,8 +39,8 @@ std::vector<FeatureRequest> offersFor(const std::vector<FeatureRequest>& request
 
 }  // namespace
 
-std::vector<MessageProtocolResolution> rehearse(const std::vector<MessageProtocolConfig>& configs,
-                                                const Offers& offers) {
+std::vector<MessageProtocolResolution> simulateAnswer(const std::vector<MessageProtocolConfig>& configs,
+                                                      const Offers& offers) {
   const detail::OfferIndex index(offers);
   std::map<std::string_view, std::pair<unsigned, unsigned>> installed;
   std::vector<MessageProtocolResolution> answer;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "judgeRead.hpp"
+#include "judgeDocuments.hpp"
 
 #include <algorithm>
 #include <cstddef>
@@ -12,10 +12,10 @@ namespace inspect = foundation::corvane::inspect;
 namespace {
 
 void addMisread(inspect::Judgement& judgement, const std::string& document, std::size_t places,
-                inspect::Grounds refusals) {
+                inspect::ReasonKinds refusals) {
   if (places == 0) return;
-  const bool refuses = (refusals & static_cast<inspect::Grounds>(inspect::Ground::Misread)) != 0;
-  judgement.reasons.push_back({inspect::Ground::Misread,
+  const bool refuses = (refusals & static_cast<inspect::ReasonKinds>(inspect::ReasonKind::Misread)) != 0;
+  judgement.reasons.push_back({inspect::ReasonKind::Misread,
                                refuses,
                                {},
                                {},
@@ -27,7 +27,8 @@ void addMisread(inspect::Judgement& judgement, const std::string& document, std:
 
 }  // namespace
 
-inspect::Judgement judgeRead(const Request& request, const Answer& answer, inspect::Grounds refusals) {
+inspect::Judgement judgeDocuments(const Request& request, const Answer& answer,
+                                  inspect::ReasonKinds refusals) {
   auto judgement = inspect::judge(request.records, answer.records, refusals);
   addMisread(judgement, "request", request.misread, refusals);
   addMisread(judgement, "answer", answer.misread, refusals);

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "foundation/corvane/inspect/documents/Places.hpp"
+#include "foundation/corvane/inspect/documents/PlaceFinder.hpp"
 
 namespace foundation::corvane::inspect::detail {
 
-Place Places::at(std::size_t offset) noexcept {
+Place PlaceFinder::at(std::size_t offset) noexcept {
   while (searched_ < offset) {
     const auto feed = text_.substr(0, offset).find('\n', searched_);
     if (feed == std::string_view::npos) {

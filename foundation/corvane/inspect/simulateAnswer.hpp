@@ -16,12 +16,12 @@ namespace foundation::corvane::inspect {
 /// taken as they are handed in; what a server reads of them may be less, as `explain` tells.
 ///
 /// Where it would throw, because a protocol is asked for at a second version, that configuration is left out
-/// and the rest is answered; `judge` calls it `Ground::VersionConflict`.
+/// and the rest is answered; `judge` calls it `ReasonKind::VersionConflict`.
 ///
 /// A value offered k times costs k entries. Pure; linear in its arguments and the answer, but for the
 /// logarithms of their sizes.
 /// @throws std::bad_alloc when memory runs out.
-FOUNDATION_EXPORT std::vector<common::session::MessageProtocolResolution> rehearse(
+FOUNDATION_EXPORT std::vector<common::session::MessageProtocolResolution> simulateAnswer(
     const std::vector<common::session::MessageProtocolConfig>& configs, const Offers& offers);
 
 }  // namespace foundation::corvane::inspect

@@ -7,35 +7,35 @@
 
 #include "foundation/corvane/common/session/documentDecoder.hpp"
 
-// Not installed: what has to be known of a document before its findings can be told.
+// Not installed: what has to be known of a document before its findings can be reported.
 namespace foundation::corvane::inspect::detail {
 
 /// What a reader has made of each object and each member that it knows, in the order in which they begin.
-struct Fates {
+struct Losses {
   std::vector<bool> lost;      ///< Of each object: it lacked something required.
   std::vector<bool> replaced;  ///< Of each member: a later one of the same name took its place.
 };
 
-/// An observer of the decoder that goes first.
-class Scout : public common::session::detail::Unobserved {
+/// The observer of the first pass over a document.
+class FirstPass : public common::session::detail::Unobserved {
  public:
   void beginObject(const json::Reader& /*reader*/, std::span<const common::session::detail::Member> members) {
-    open_.push_back({fates_.lost.size(), latest_.size()});
+    open_.push_back({losses_.lost.size(), latest_.size()});
     latest_.resize(latest_.size() + members.size(), none);
-    fates_.lost.push_back(false);
+    losses_.lost.push_back(false);
   }
 
   void member(const json::Reader& /*reader*/, std::size_t index) {
     const auto place = open_.back().members + index;
     if (place == latest_.size()) return;  // a member that nobody reads
     auto& latest = latest_[place];
-    if (latest != none) fates_.replaced[latest] = true;
-    latest = fates_.replaced.size();
-    fates_.replaced.push_back(false);
+    if (latest != none) losses_.replaced[latest] = true;
+    latest = losses_.replaced.size();
+    losses_.replaced.push_back(false);
   }
 
   void endObject(const json::Reader& /*reader*/, bool whole) {
-    fates_.lost[open_.back().index] = !whole;
+    losses_.lost[open_.back().index] = !whole;
     latest_.resize(open_.back().members);
     open_.pop_back();
   }
@@ -45,19 +45,19 @@ class Scout : public common::session::detail::Unobserved {
     records.clear();
   }
 
-  const Fates& fates() const noexcept { return fates_; }
+  const Losses& losses() const noexcept { return losses_; }
 
  private:
   static constexpr std::size_t none = static_cast<std::size_t>(-1);
 
   struct Object {
-    std::size_t index;    // in fates_.lost
+    std::size_t index;    // in losses_.lost
     std::size_t members;  // where those of its table begin in latest_
   };
 
-  Fates fates_;
+  Losses losses_;
   std::vector<Object> open_;
-  std::vector<std::size_t> latest_;  // of each member of each open object, its index in fates_.replaced
+  std::vector<std::size_t> latest_;  // of each member of each open object, its index in losses_.replaced
 };
 
 }  // namespace foundation::corvane::inspect::detail

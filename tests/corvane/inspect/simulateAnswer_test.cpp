@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "foundation/corvane/inspect/rehearse.hpp"
+#include "foundation/corvane/inspect/simulateAnswer.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -30,54 +30,55 @@ using Resolutions = std::vector<MessageProtocolResolution>;
 const Offers offers{
     "server", "2.1", {{"Telemetry", {{"compression", "lz4"}, {"compression", "zstd"}}}, {"Control", {}}}};
 
-TEST(rehearse, AnswersAsAServerWithTheseOffersWould) {
+TEST(simulateAnswer, AnswersAsAServerWithTheseOffersWould) {
   const std::vector<MessageProtocolConfig> configs{
       {"Telemetry", {2, 1}, {{"compression", "zstd", required}, {"batching", "on", preferred}}},
       {"Control", {1, 0}, {}}};
 
-  EXPECT_THAT(rehearse(configs, offers),
+  EXPECT_THAT(simulateAnswer(configs, offers),
               ElementsAre(MessageProtocolResolution(
                               "Telemetry", {2, 1},
                               {{"compression", "zstd", success}, {"batching", "on", unsupported_warning}}),
                           MessageProtocolResolution("Control", {1, 0}, {})));
 }
 
-TEST(rehearse, LeavesOutWhatAServerDrops) {
+TEST(simulateAnswer, LeavesOutWhatAServerDrops) {
   const std::vector<MessageProtocolConfig> configs{
       {"Telemetry", undefinedVersion, {}}, {"Chat", {1, 0}, {}}, {}};
 
-  EXPECT_THAT(rehearse(configs, offers), IsEmpty());
+  EXPECT_THAT(simulateAnswer(configs, offers), IsEmpty());
 }
 
-TEST(rehearse, TakesAVersionThatIsOnlyHalfUndefinedForAVersion) {
-  EXPECT_THAT(rehearse({{"Control", {65535, 0}, {}}}, offers),
+TEST(simulateAnswer, TakesAVersionThatIsOnlyHalfUndefinedForAVersion) {
+  EXPECT_THAT(simulateAnswer({{"Control", {65535, 0}, {}}}, offers),
               ElementsAre(MessageProtocolResolution("Control", {65535, 0}, {})));
 }
 
-TEST(rehearse, AnswersAFurtherRequestForAProtocolAtTheVersionInstalled) {
-  EXPECT_THAT(rehearse({{"Control", {1, 0}, {}}, {"Control", {1, 0}, {{"x", "1", optional}}}}, offers),
+TEST(simulateAnswer, AnswersAFurtherRequestForAProtocolAtTheVersionInstalled) {
+  EXPECT_THAT(simulateAnswer({{"Control", {1, 0}, {}}, {"Control", {1, 0}, {{"x", "1", optional}}}}, offers),
               ElementsAre(MessageProtocolResolution("Control", {1, 0}, {}),
                           MessageProtocolResolution("Control", {1, 0}, {{"x", "1", unsupported_warning}})));
 }
 
-TEST(rehearse, LeavesOutASecondVersionOfAProtocolAndAnswersTheRest) {
+TEST(simulateAnswer, LeavesOutASecondVersionOfAProtocolAndAnswersTheRest) {
   const std::vector<MessageProtocolConfig> configs{
       {"Control", {1, 0}, {}}, {"Control", {1, 1}, {}}, {"Control", {1, 0}, {}}, {"Telemetry", {1, 1}, {}}};
 
-  EXPECT_THAT(rehearse(configs, offers), ElementsAre(MessageProtocolResolution("Control", {1, 0}, {}),
-                                                     MessageProtocolResolution("Control", {1, 0}, {}),
-                                                     MessageProtocolResolution("Telemetry", {1, 1}, {})));
+  EXPECT_THAT(simulateAnswer(configs, offers),
+              ElementsAre(MessageProtocolResolution("Control", {1, 0}, {}),
+                          MessageProtocolResolution("Control", {1, 0}, {}),
+                          MessageProtocolResolution("Telemetry", {1, 1}, {})));
 }
 
-TEST(rehearse, TakesOffersOfEqualNameTogether) {
+TEST(simulateAnswer, TakesOffersOfEqualNameTogether) {
   const Offers twice{"server", "2.1", {{"p", {{"x", "1"}}}, {"p", {{"x", "2"}}}}};
 
-  EXPECT_THAT(rehearse({{"p", {1, 0}, {{"x", "2", required}}}}, twice),
+  EXPECT_THAT(simulateAnswer({{"p", {1, 0}, {{"x", "2", required}}}}, twice),
               ElementsAre(MessageProtocolResolution("p", {1, 0}, {{"x", "2", success}})));
 }
 
 // Minutes, if each configuration cost as much as all the offers.
-TEST(rehearse, IsNotSlowedDownByManyRequestsForOneProtocolWithManyOffers) {
+TEST(simulateAnswer, IsNotSlowedDownByManyRequestsForOneProtocolWithManyOffers) {
   constexpr std::size_t many = tests::isSanitized ? 20'000 : 50'000;
   Offers wide{"server", "1", {{"p", {}}}};
   std::vector<MessageProtocolConfig> configs;
@@ -88,7 +89,7 @@ TEST(rehearse, IsNotSlowedDownByManyRequestsForOneProtocolWithManyOffers) {
         std::vector<common::session::FeatureRequest>{{"x", std::to_string(2 * i), required}});
   }
 
-  const auto answer = rehearse(configs, wide);
+  const auto answer = simulateAnswer(configs, wide);
 
   ASSERT_EQ(answer.size(), many);
   EXPECT_THAT(answer.front().resolutions, ElementsAre(common::session::FeatureResolution("x", "0", success)));
@@ -96,8 +97,8 @@ TEST(rehearse, IsNotSlowedDownByManyRequestsForOneProtocolWithManyOffers) {
                                              "x", std::to_string(2 * many - 2), invalid_value_error)));
 }
 
-TEST(rehearse, AnswersAnEmptyNameLikeAnyOther) {
-  EXPECT_THAT(rehearse({{"", {1, 0}, {}}}, Offers{"", "", {{"", {}}}}),
+TEST(simulateAnswer, AnswersAnEmptyNameLikeAnyOther) {
+  EXPECT_THAT(simulateAnswer({{"", {1, 0}, {}}}, Offers{"", "", {{"", {}}}}),
               ElementsAre(MessageProtocolResolution("", {1, 0}, {})));
 }
 

@@ -8,7 +8,7 @@ namespace negotiate {
 
 /// Judges an answer, and holds against it what was not read as it stands in either document: nobody asked for
 /// what a reader dropped, and what is told of an answer may lie in what it lost.
-foundation::corvane::inspect::Judgement judgeRead(const Request& request, const Answer& answer,
-                                                  foundation::corvane::inspect::Grounds refusals);
+foundation::corvane::inspect::Judgement judgeDocuments(const Request& request, const Answer& answer,
+                                                       foundation::corvane::inspect::ReasonKinds refusals);
 
 }  // namespace negotiate

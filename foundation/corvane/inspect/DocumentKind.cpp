@@ -1,24 +1,24 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "foundation/corvane/inspect/Document.hpp"
+#include "foundation/corvane/inspect/DocumentKind.hpp"
 
 #include "foundation/json/Reader.hpp"
 
 namespace foundation::corvane::inspect {
 
-const char* listName(Document document) noexcept {
+const char* listName(DocumentKind document) noexcept {
   switch (document) {
-    case Document::ProtocolConfigs:
+    case DocumentKind::ProtocolConfigs:
       break;
-    case Document::ProtocolResolutions:
+    case DocumentKind::ProtocolResolutions:
       return "protocolResolutions";
-    case Document::ProtocolOffers:
+    case DocumentKind::ProtocolOffers:
       return "protocolOffers";
   }
   return "protocolConfigs";
 }
 
-std::optional<Document> documentOf(std::string_view text) noexcept {
-  using enum Document;
+std::optional<DocumentKind> documentKindOf(std::string_view text) noexcept {
+  using enum DocumentKind;
   json::Reader reader(text);
   if (reader.next() != json::Token::ObjectBegin) return {};
   while (reader.next() == json::Token::Name) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "foundation/corvane/inspect/documents/Scout.hpp"
+#include "foundation/corvane/inspect/documents/FirstPass.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -35,34 +35,34 @@ struct Alphabet {
   (std::make_index_sequence<26>());
 };
 
-Fates fatesOf(std::string_view text) {
+Losses lossesOf(std::string_view text) {
   json::Reader reader(text);
   reader.next();
-  Scout scout;
-  decoder::readObject<Alphabet>(reader, scout, [&](const auto&) {
-    return decoder::readObject<NoMembers>(reader, scout, [](const auto&) { return true; });
+  FirstPass first;
+  decoder::readObject<Alphabet>(reader, first, [&](const auto&) {
+    return decoder::readObject<NoMembers>(reader, first, [](const auto&) { return true; });
   });
-  return scout.fates();
+  return first.losses();
 }
 
-TEST(Scout, KnowsTheFateOfAsManyMembersAsATableHas) {
+TEST(FirstPass, KnowsTheFateOfAsManyMembersAsATableHas) {
   std::string text = "{";
   for (char name = 'a'; name <= 'z'; ++name) text += '"' + std::string(1, name) + "\":{},";
   const auto all = text + "\"none of them\":{}}";
   const auto twice = text + text.substr(1) + "\"z\":{}}";
 
-  EXPECT_THAT(fatesOf(all).replaced, AllOf(SizeIs(26), Each(false)));
+  EXPECT_THAT(lossesOf(all).replaced, AllOf(SizeIs(26), Each(false)));
 
-  const auto fates = fatesOf(twice);
-  EXPECT_THAT(fates.lost, AllOf(SizeIs(1 + 53), Each(false)));
-  EXPECT_THAT(fates.replaced, SizeIs(53));
-  EXPECT_THAT(std::vector<bool>(fates.replaced.begin(), fates.replaced.begin() + 26), Each(true));
-  EXPECT_THAT(std::vector<bool>(fates.replaced.begin() + 26, fates.replaced.end() - 2), Each(false));
-  EXPECT_THAT(std::vector<bool>(fates.replaced.end() - 2, fates.replaced.end()), ElementsAre(true, false));
+  const auto losses = lossesOf(twice);
+  EXPECT_THAT(losses.lost, AllOf(SizeIs(1 + 53), Each(false)));
+  EXPECT_THAT(losses.replaced, SizeIs(53));
+  EXPECT_THAT(std::vector<bool>(losses.replaced.begin(), losses.replaced.begin() + 26), Each(true));
+  EXPECT_THAT(std::vector<bool>(losses.replaced.begin() + 26, losses.replaced.end() - 2), Each(false));
+  EXPECT_THAT(std::vector<bool>(losses.replaced.end() - 2, losses.replaced.end()), ElementsAre(true, false));
 }
 
-TEST(Scout, KnowsThatAnObjectLacksWhatItMustHave) {
-  EXPECT_THAT(fatesOf(R"({"b":{}})").lost, ElementsAre(true, false));
+TEST(FirstPass, KnowsThatAnObjectLacksWhatItMustHave) {
+  EXPECT_THAT(lossesOf(R"({"b":{}})").lost, ElementsAre(true, false));
 }
 
 }  // namespace

@@ -10,18 +10,18 @@
 #include "foundation/corvane/common/session/documentDecoder.hpp"
 #include "foundation/corvane/inspect/Finding.hpp"
 #include "foundation/corvane/inspect/diagnose.hpp"
-#include "foundation/corvane/inspect/documents/Places.hpp"
-#include "foundation/corvane/inspect/documents/Scout.hpp"
+#include "foundation/corvane/inspect/documents/FirstPass.hpp"
+#include "foundation/corvane/inspect/documents/PlaceFinder.hpp"
 
 // Not installed: turns what the decoder does into findings.
 namespace foundation::corvane::inspect::detail {
 
-/// An observer of the decoder that hands out findings. It passes over the text of which a `Scout` told
-/// `fates`.
-class Reporter {
+/// The observer of the second pass over a document: reports the findings. A `FirstPass` over the same text
+/// gave `losses`.
+class SecondPass {
  public:
   /// All are referred to.
-  Reporter(std::string_view text, const Fates& fates, const FindingVisitor& visit) noexcept;
+  SecondPass(std::string_view text, const Losses& losses, const FindingVisitor& visit) noexcept;
 
   void beginObject(const json::Reader& reader, std::span<const common::session::detail::Member> members);
   void member(const json::Reader& reader, std::size_t index);
@@ -55,14 +55,14 @@ class Reporter {
   Effect effectOn(const common::session::detail::Member& member) const noexcept;
   void report(Rule rule, Effect effect, const Place& place, std::string sentence);
 
-  const Fates& fates_;
+  const Losses& losses_;
   const FindingVisitor& visit_;
-  Places places_;
+  PlaceFinder places_;
   std::vector<Object> open_;
   std::vector<bool> seen_;  // of each member of each open object: it is there
   std::string path_;
-  std::size_t objects_ = 0;  // so far, an index in fates_.lost
-  std::size_t members_ = 0;  // so far, an index in fates_.replaced
+  std::size_t objects_ = 0;  // so far, an index in losses_.lost
+  std::size_t members_ = 0;  // so far, an index in losses_.replaced
   bool isElement_ = false;   // the object that begins is an element of a list
 };
 

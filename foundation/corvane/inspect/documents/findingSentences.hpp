@@ -18,7 +18,7 @@ std::string describe(const json::Reader& reader);
 std::string expected(const common::session::detail::Member& member);
 
 /// What becomes of an object of these members, or of the `index`-th of them: `the feature request counts as
-/// an empty one`. Not for `Reread` and `Dropped`, whose sentences differ.
+/// an empty one`. Not for `Rounded` and `Dropped`, whose sentences differ.
 std::string consequence(Effect effect, std::span<const common::session::detail::Member> members,
                         std::size_t index);
 
