@@ -284,8 +284,11 @@ class UUIDPrinter:
         self._value = value["value"]
 
     def to_string(self):
-        # The 16 bytes are all there is, whatever Boost calls them.
-        text = bytes(gdb.selected_inferior().read_memory(int(self._value.address), 16)).hex()
+        # The 16 bytes are all that there is, whatever Boost calls them. A copy in gdb has no address.
+        found = self._value
+        while found.type.strip_typedefs().code != gdb.TYPE_CODE_ARRAY:
+            found = found[found.type.strip_typedefs().fields()[0]]
+        text = bytes(int(found[index]) & 0xFF for index in range(16)).hex()
         return "-".join((text[:8], text[8:12], text[12:16], text[16:20], text[20:]))
 
 
@@ -314,11 +317,27 @@ class EnumPrinter:
         return "%d, which has no name" % number
 
 
+def first_pointer(value):
+    """The first pointer in a value or in its parts; None if there is none."""
+    kind = value.type.strip_typedefs()
+    if kind.code == gdb.TYPE_CODE_PTR:
+        return value
+    found = None
+    if kind.code == gdb.TYPE_CODE_STRUCT:
+        for field in kind.fields():
+            if not hasattr(field, "bitpos"):  # a static member
+                continue
+            found = first_pointer(value[field])
+            if found is not None:
+                break
+    return found
+
+
 def pointee(owner):
-    """What a unique_ptr that is no larger than a pointer owns, whatever its library calls its parts; None if the type
-    is declared and no more, as what the library's sources define is to those who have no debug information of it."""
-    pointer = owner.type.strip_typedefs().template_argument(0).pointer()
-    value = owner.address.cast(pointer.pointer()).dereference().dereference()
+    """What a unique_ptr owns, whatever its library calls its parts; None if the type is only declared, as are those
+    that the library's sources define if there is no debug information of the library."""
+    held = owner.type.strip_typedefs().template_argument(0)
+    value = first_pointer(owner).cast(held.pointer()).dereference()
     return value if value.type.fields() else None
 
 
@@ -362,19 +381,23 @@ class ValuePrinter:
             for _ in range(index):
                 storage = storage["_M_rest"]
             held = alternatives.template_argument(index)
-            self._held = storage["_M_first"]["_M_storage"].address.cast(held.pointer()).dereference()
+            stored = storage["_M_first"]["_M_storage"]
+            if stored.type.strip_typedefs() == held.strip_typedefs():
+                self._held = stored
+            elif stored.address is not None:  # The bytes of it.
+                self._held = stored.address.cast(held.pointer()).dereference()
 
     def to_string(self):
         if self._kind is None:
             return "damaged JSON value"
         if self._kind == "null":
             return "null"
-        if self._kind in ("array", "object"):
+        if self._held is None or self._kind in ("array", "object"):
             return "JSON " + self._kind
         return self._held.format_string()
 
     def children(self):
-        if self._kind in ("array", "object"):
+        if self._held is not None and self._kind in ("array", "object"):
             yield self._kind, self._held
 
 

@@ -10,6 +10,8 @@ set(tables foundation::corvane::common::serialization::Registry::Tables)
 # In quotes the name is found in a library without debug information, too.
 execute_process(COMMAND ${GDB} -q -batch ${commands}
   -ex "call (void)'foundation::corvane::common::logging::dumpGlobalFastLog()'()"
+  -ex "set $copiedUuid = uuidOf" -ex "print $copiedUuid" -ex "set $copiedValue = value" -ex "print $copiedValue"
+  -ex "set $copiedRegistry = *registry" -ex "print $copiedRegistry"
   -ex "ptype ${tables}" ${PROGRAM}
   OUTPUT_VARIABLE text ERROR_VARIABLE text)
 
@@ -40,6 +42,10 @@ expect(
   "value is JSON object = {object = "
   "JSON array = {array = std::vector of length 5, capacity 5 = {1, 2.5, \"text\", null, true}}"
   "nothing is null\n"
+  # A copy in gdb has no address in the program.
+  "$1 = 0f1e2d3c-4b5a-4978-8695-a4b3c2d1e0ff\n"
+  "$2 = JSON object = {object = std::map with 1 element"
+  "$3 = Registry of \"client\", closed"
   # A debugger may also call the library's own dump, by the name that nobody else uses.
   "Global FastLog:\nLog size = 0\n\n")
 # What the sources of the library define is known where these were built with debug information.
@@ -53,6 +59,10 @@ else()
   expect(
     "*registry is Registry of \"client\", closed; what it has, only the library's debug information tells\n"
     "*protocols is ProtocolRegistry; what it has, only the library's debug information tells\n")
+endif()
+if(text MATCHES "Python Exception")
+  message(SEND_ERROR "a printer failed")
+  set(failed TRUE)
 endif()
 if(failed)
   message(STATUS "${text}")
