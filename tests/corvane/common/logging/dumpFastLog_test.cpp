@@ -359,6 +359,8 @@ TEST(DumpFastLog, IsCompleteInAThreadThatWasCancelledBefore) {
 }
 
 TEST(DumpFastLog, IsCompleteInAThreadThatIsCancelledMeanwhileAndAtOnce) {
+  // Its code watches for exceptions in every function, and unwinding through a noexcept one then ends the process.
+  if (THREAD_SANITIZER != 0) GTEST_SKIP() << "ThreadSanitizer cannot unwind through dumpFastLog";
   const auto logger = emptyLogger();
   for (int i = 0; i < 1024; ++i) logger->log("an", "event", nullptr, "of many");
   const auto expected = dump();
