@@ -58,14 +58,25 @@ extern "C" ssize_t process_vm_readv(pid_t process, const iovec* local, unsigned 
   return -1;
 }
 
-// Memory of over-aligned objects, as a log is one, is gone as soon as it is freed.
-void* operator new(std::size_t size, std::align_val_t) {
-  const int anonymous = MAP_PRIVATE | MAP_ANONYMOUS;
-  void* const memory = ::mmap(nullptr, size, PROT_READ | PROT_WRITE, anonymous, -1, 0);
-  return memory == MAP_FAILED ? throw std::bad_alloc() : memory;
+// The memory of a log is gone as soon as the log is freed. A log is over-aligned, and larger than a page, which is what
+// is mapped here. Small objects stay where a sanitizer finds the pointers in them.
+namespace {
+constexpr std::size_t mappedFrom = 4096;
+}  // namespace
+
+void* operator new(std::size_t size, std::align_val_t alignment) {
+  const auto align = static_cast<std::size_t>(alignment);
+  void* const memory =
+      size < mappedFrom ? std::aligned_alloc(align, (size + align - 1) / align * align)
+                        : ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  return memory == nullptr || memory == MAP_FAILED ? throw std::bad_alloc() : memory;
 }
 void operator delete(void* memory, std::size_t size, std::align_val_t) noexcept {
-  ::munmap(memory, size);
+  if (size < mappedFrom) {
+    std::free(memory);
+  } else {
+    ::munmap(memory, size);
+  }
 }
 void operator delete(void*, std::align_val_t) noexcept {
   std::abort();  // its size is not known
