@@ -22,7 +22,7 @@ void converse(Lines& server) {
 
   // What the client asks for: a protocol, a version, and how much it wants which features.
   const std::vector<session::MessageProtocolConfig> requests{
-      foundation::corvane::authoring::Request("Notes", {1, 0}).preferred("encoding", "hex")};
+      foundation::corvane::authoring::Request("Notes", {1, 0}).prefer("encoding", "hex")};
   const auto document = session::toJSON(requests);
   std::cout << "client asks     " << document << std::endl;
   server.send(document);

@@ -28,7 +28,7 @@ TEST(AuthoringWithoutMemory, DescribesWhollyOrNotAtAll) {
            "inline authoring::Request::allow"},
           [] {
             return MessageProtocolConfig(
-                Request(name, {2, 1}).required(name, "zstd").preferred("batching", name).optional("c", "d"));
+                Request(name, {2, 1}).require(name, "zstd").prefer("batching", name).allow("c", "d"));
           });
   exhaust({"inline authoring::chooseVersion"}, [] { return chooseVersion({2, 1}, {{2, 0}, {1, 0}}); });
 }

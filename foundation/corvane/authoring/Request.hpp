@@ -11,7 +11,7 @@ namespace foundation::corvane::authoring {
 /// A client's request for a protocol, in words.
 ///
 ///     const std::vector<MessageProtocolConfig> requests{
-///         Request("Telemetry", {2, 1}).required("compression", "zstd").preferred("batching", "on"),
+///         Request("Telemetry", {2, 1}).require("compression", "zstd").prefer("batching", "on"),
 ///         Request("Control", {1, 0})};
 ///
 /// Features are asked for in the order of the calls.
@@ -24,17 +24,17 @@ class Request {
   }
 
   /// Asks for a feature without which the client does not want the protocol.
-  Request&& required(std::string feature, std::string value) && {
+  Request&& require(std::string feature, std::string value) && {
     return std::move(*this).add(feature, value, common::session::FeatureHandling::required);
   }
 
   /// Asks for a feature that the client would rather have.
-  Request&& preferred(std::string feature, std::string value) && {
+  Request&& prefer(std::string feature, std::string value) && {
     return std::move(*this).add(feature, value, common::session::FeatureHandling::preferred);
   }
 
   /// Asks for a feature that the client can do without.
-  Request&& optional(std::string feature, std::string value) && {
+  Request&& allow(std::string feature, std::string value) && {
     return std::move(*this).add(feature, value, common::session::FeatureHandling::optional);
   }
 

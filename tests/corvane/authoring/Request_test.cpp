@@ -15,9 +15,9 @@ using testing::ElementsAre;
 
 TEST(Request, IsTheRecordThatItsWordsSay) {
   const std::vector<MessageProtocolConfig> requests{Request("Telemetry", {2, 1})
-                                                        .required("compression", "zstd")
-                                                        .preferred("batching", "on")
-                                                        .optional("trace", "off"),
+                                                        .require("compression", "zstd")
+                                                        .prefer("batching", "on")
+                                                        .allow("trace", "off"),
                                                     Request("Control", {1, 0})};
 
   EXPECT_THAT(requests, ElementsAre(MessageProtocolConfig("Telemetry", {2, 1},
