@@ -104,7 +104,7 @@ class Finder:
         kids = list(node.get_children())
         text = self.code(node)
         # Of what a macro is made, clang gives the place of the macro. Constants could not be switched at run time.
-        if node.kind in (Kind.ENUM_DECL, Kind.STATIC_ASSERT) or MACRO.match(text):
+        if node.kind in (Kind.ENUM_DECL, Kind.STATIC_ASSERT) or MACRO.match(text) or text.endswith("= default"):
             return
         if node.kind == Kind.VAR_DECL and re.match(r"(static |inline )*constexpr ", text):
             return
@@ -168,7 +168,7 @@ class Finder:
         begin, end, inner_begin, inner_end = *self.at(node), *self.at(operand)
         is_prefix, inner = inner_begin > begin, self.code(operand)
         sign = text[:2] if is_prefix else text[-2:]
-        if text[0] == "!" and sign != "!=":
+        if text[0] == "!" and text[:2] != "!=":  # which clang shows where == stands behind it
             self.source.add(begin, end, (inner,), "(#0 != (", "))")
         elif sign in ("++", "--"):
             other = "--" if sign == "++" else "++"

@@ -8,5 +8,6 @@ int main() {
   const bool compares =
       isBetween(1, 1, 2) && isBetween(2, 1, 2) && !isBetween(0, 1, 2) && !isBetween(3, 1, 2);
   const bool names = std::string_view(name(true)) == "known" && std::string_view(name(false)).empty();
-  return clamps && compares && names ? 0 : 1;
+  const bool differs = differ({1}, {2}) && !differ({1}, {1});
+  return differs && clamps && compares && names ? 0 : 1;
 }

@@ -12,6 +12,10 @@ int clamp(int number, int limit) {
   return number;
 }
 
+bool differ(const Point& left, const Point& right) {
+  return left != right;
+}
+
 bool isBetween(int number, int low, int high) {
   return low <= number && number <= high;
 }
