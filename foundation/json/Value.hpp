@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <atomic>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
@@ -41,6 +42,22 @@ concept OneOf = (std::same_as<T, Types> || ...);
 template <class T>
 concept Integer = std::integral<T> && !std::same_as<T, bool> && sizeof(T) <= sizeof(std::int64_t);
 
+/// The class types of the standard library that stand for one `bool`; the traits derive from the last two.
+template <class T>
+concept BoolClass = std::is_class_v<T> &&
+    (OneOf<T, std::vector<bool>::reference, std::vector<bool>::const_reference, std::atomic<bool>> ||
+     std::derived_from<T, std::true_type> || std::derived_from<T, std::false_type>);
+
+template <class T, class... Numbers>
+concept ConvertsToAny = (std::is_convertible_v<T&, Numbers> || ...) ||
+                        (std::is_convertible_v<T, Numbers> || ...);
+
+/// Whether a `T` converts implicitly to a number. Asks for each one, because a class may convert to several.
+template <class T>
+concept NumberLike = ConvertsToAny<T, bool, char, signed char, unsigned char, wchar_t, char8_t, char16_t,
+                                   char32_t, short, unsigned short, int, unsigned, long, unsigned long,
+                                   long long, unsigned long long, float, double, long double>;
+
 /// The types that a value may hold, `std::nullptr_t` for null.
 template <class T>
 concept Held =
@@ -50,11 +67,30 @@ concept Held =
 template <class T>
 concept Target = OneOf<T, double, std::string, Array, Object>;
 
+/// What converts to a number but is not made into a value: enumerators, classes, and numbers of which a `double`
+/// or a 64-bit integer may lose digits.
+template <class T>
+concept Refused = !OneOf<T, Value, float> && !Held<T> && !Integer<T> && !BoolClass<T> &&
+                  !std::is_pointer_v<T> && !std::is_array_v<T> && NumberLike<T>;
+
 }  // namespace impl
 
 /// A JSON value: null, a `bool`, a number (`double`, `std::int64_t` or `std::uint64_t`), a `std::string` of
-/// any bytes, an `Array` or an `Object`. Made implicitly from each of them, from string literals and from
-/// every other integer type; a pointer of another type never becomes a `bool`.
+/// any bytes, an `Array` or an `Object`. Made implicitly from each of them, and from the following:
+///
+/// | source                                                            | kind                              |
+/// |-------------------------------------------------------------------|-----------------------------------|
+/// | other integer types up to 64 bits, character types too            | `std::int64_t` or `std::uint64_t` |
+/// | `float`                                                           | `double`                          |
+/// | `std::vector<bool>::reference`, `std::atomic<bool>`               | `bool`                            |
+/// | `std::true_type`, `std::false_type` and what derives from them    | `bool`                            |
+/// | string literals, `char*`, `const char*`                           | `std::string`                     |
+///
+/// Everything else that C++ would convert to a number does not compile, also as an element of an `Array` or a
+/// member of an `Object`: enumerators, `long double`, integers of more than 64 bits, and all other classes
+/// with a conversion to a number or a pointer, such as `std::bitset<8>::reference`,
+/// `std::reference_wrapper<bool>` and `std::integral_constant<int, 3>`. Convert these yourself. No other
+/// pointer becomes a value.
 ///
 ///     const Value song = Object{{"title", "Aria"}, {"seconds", 135}, {"notes", Array{"g", "f"}}};
 ///     if (const auto* members = song.find<Object>()) return members->at("seconds").to<double>();  // 135.0
@@ -67,17 +103,25 @@ class FOUNDATION_EXPORT Value {
   /// Null.
   Value() noexcept = default;
   Value(std::nullptr_t) noexcept {}
-  template <std::same_as<bool> T>  // a plain bool parameter would take pointers
+  // Templates, because each of these takes its own types only.
+  template <std::same_as<bool> T>
   Value(T value) noexcept : data_(std::in_place_type<bool>, value) {}
-  Value(double value) noexcept : data_(std::in_place_type<double>, value) {}
+  template <impl::BoolClass T>
+  Value(const T& value) noexcept : data_(std::in_place_type<bool>, static_cast<bool>(value)) {}
+  template <impl::OneOf<float, double> T>
+  Value(T value) noexcept : data_(std::in_place_type<double>, value) {}
   /// Any integer type up to 64 bits: signed ones are held as `std::int64_t`, unsigned ones as
   /// `std::uint64_t`.
   template <impl::Integer T>
   Value(T value) noexcept
       : data_(std::in_place_type<std::conditional_t<std::signed_integral<T>, std::int64_t, std::uint64_t>>,
               value) {}
+  // Deleted, not left out: otherwise `Array{x}` would be an array of x nulls.
+  template <impl::Refused T>
+  Value(const T& value) = delete;
   /// The bytes up to the first NUL; `text` must not be null.
-  Value(const char* text) : data_(std::in_place_type<std::string>, text) {}
+  template <impl::OneOf<const char*, char*> T>
+  Value(T text) : data_(std::in_place_type<std::string>, text) {}
   Value(std::string value) noexcept : data_(std::in_place_type<std::string>, std::move(value)) {}
   Value(Array value) noexcept : data_(std::in_place_type<Array>, std::move(value)) {}
   Value(Object value) noexcept : data_(std::in_place_type<Object>, std::move(value)) {}

@@ -4,10 +4,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <bitset>
+#include <cstddef>
+#include <functional>
 #include <limits>
 #include <string>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 #include "tests/allocations.hpp"
 
@@ -26,6 +31,59 @@ static_assert(std::is_base_of_v<std::runtime_error, conversion_error>);
 // A pointer is never taken for a bool.
 static_assert(!std::is_constructible_v<Value, void*> && !std::is_constructible_v<Value, const int*>);
 static_assert(!std::is_constructible_v<Value, Value*> && !std::is_constructible_v<Value, void (*)()>);
+
+template <class From>
+struct ConvertsTo {
+  operator From() const;
+};
+struct ConvertsWhenChangeable {
+  operator int();
+};
+struct ConvertsToStringAndInt : ConvertsTo<std::string>, ConvertsTo<int> {};
+struct ConvertsToTwoNumbers : ConvertsTo<std::string>, ConvertsTo<int>, ConvertsTo<long> {};
+struct ConvertsToAnything {
+  template <class T>
+  operator T() const;
+};
+enum Colour : int {};
+enum class Scoped : int {};
+
+// Whether a `T` becomes a value wherever one is wanted, or, if not, whether the compiler refuses it everywhere.
+template <class T>
+constexpr bool isTaken = std::is_convertible_v<T, Value>&& std::is_convertible_v<T&, Value>&&
+    std::is_constructible_v<Value, T>&& std::is_assignable_v<Value&, T&>&& requires(T& source) {
+  Array{source}, Object{{"name", source}};
+};
+template <class T>
+constexpr bool isRefused =
+    !std::is_constructible_v<Value, T> && !std::is_constructible_v<Value, T&> &&
+    !std::is_constructible_v<Value, const T&> && !std::is_assignable_v<Value&, T&> && !requires(T & source) {
+  Array{source};
+}
+&&!requires(T & source) {
+  Object{{"name", source}};
+};
+
+static_assert(isTaken<bool> && isTaken<float> && isTaken<double>);
+static_assert(isTaken<char> && isTaken<wchar_t> && isTaken<char8_t> && isTaken<char32_t> && isTaken<short>);
+static_assert(isTaken<const char*> && isTaken<char*> && isTaken<std::string> && isTaken<std::nullptr_t>);
+static_assert(isTaken<std::vector<bool>::reference> && isTaken<std::vector<bool>::const_reference>);
+static_assert(std::is_constructible_v<Value, std::atomic<bool>&> && isTaken<std::true_type>);
+static_assert(isTaken<std::false_type> && isTaken<std::is_same<int, char>>);
+static_assert(std::is_constructible_v<Value, ConvertsTo<std::string>>);
+static_assert(isTaken<std::reference_wrapper<Value>>);
+
+static_assert(isRefused<std::bitset<8>::reference> && isRefused<std::reference_wrapper<bool>>);
+static_assert(isRefused<std::integral_constant<int, 3>> && isRefused<std::atomic<int>>);
+static_assert(isRefused<ConvertsTo<bool>> && isRefused<ConvertsTo<int>> && isRefused<ConvertsTo<double>>);
+static_assert(isRefused<ConvertsTo<char8_t>> && isRefused<ConvertsTo<const char*>>);
+static_assert(isRefused<ConvertsWhenChangeable> && isRefused<ConvertsToAnything>);
+static_assert(isRefused<ConvertsToStringAndInt> && isRefused<ConvertsToTwoNumbers>);
+static_assert(isRefused<Colour> && isRefused<Scoped> && isRefused<std::byte>);
+static_assert(isRefused<long double>);
+__extension__ using Int128 = __int128;
+__extension__ using UInt128 = unsigned __int128;
+static_assert(isRefused<Int128> && isRefused<UInt128>);
 
 template <class T>
 concept Convertible = requires(const Value& value) {
@@ -113,6 +171,34 @@ Value richTree() {
   const std::string text = "a string that needs memory of its own";
   return Object{{text, Array{text, 1, 2u, 3.5, true, nullptr, Array{Array{text}, Object{}}}},
                 {"object", Object{{"inner", Object{{text, text}}}}}};
+}
+
+TEST(Value, HoldsABoolForTheClassesThatStandForOne) {
+  std::vector<bool> flags{true, false};
+  const std::atomic<bool> on = true;
+
+  expectHolds<bool>(flags[0], true);
+  expectHolds<bool>(flags[1], false);
+  expectHolds<bool>(std::as_const(flags)[0], true);
+  expectHolds<bool>(on, true);
+  expectHolds<bool>(std::true_type(), true);
+  expectHolds<bool>(std::false_type(), false);
+  expectHolds<bool>(std::is_same<int, char>(), false);
+}
+
+TEST(Value, HoldsABoolForTheseClassesInContainersAndByAssignment) {
+  std::vector<bool> flags{true};
+  Value value;
+  value = flags[0];
+
+  expectHolds<bool>(value, true);
+  EXPECT_EQ(Array{flags[0]}, Array{true});
+  EXPECT_EQ((Object{{"on", flags[0]}}), (Object{{"on", true}}));
+}
+
+TEST(Value, HoldsANumberForACharacterAndADoubleForAFloat) {
+  expectHolds<std::uint64_t>(u8'a', 97U);
+  expectHolds<double>(1.5F, 1.5);
 }
 
 TEST(Value, IsNullUnlessToldOtherwise) {
