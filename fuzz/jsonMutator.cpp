@@ -67,7 +67,7 @@ Parts partsOf(std::string_view text) {
     }
   };
   while (reader.next() != Token::End && reader.token() != Token::Error) {
-    if (reader.token() == Token::Name) {
+    if (reader.token() == Token::Key) {
       name = reader.offset();
       continue;
     }

@@ -50,7 +50,7 @@ void append(std::vector<Expected>& tokens, const Node& node, std::size_t depth) 
     case Kind::Object:
       tokens.push_back({Token::ObjectBegin, node.begin, node.begin + 1, depth + 1, "", {}});
       for (const auto& member : node.members) {
-        tokens.push_back({Token::Name, member.begin, 0, depth + 1, member.name, {}});
+        tokens.push_back({Token::Key, member.begin, 0, depth + 1, member.name, {}});
         append(tokens, member.value, depth + 1);
       }
       return putEnd(Token::ObjectEnd);
@@ -62,7 +62,7 @@ bool isBegin(Token token) {
 }
 
 bool isText(Token token) {
-  return token == Token::Name || token == Token::String;
+  return token == Token::Key || token == Token::String;
 }
 
 // equals holds for the very bytes that copyTo gives, and for no others.

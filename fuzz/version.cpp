@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Versions: two JSON values, one a line, become the members of a version's object. Read by us from a tree and
 // from a document, and by the conversions of Boost.
-#include "foundation/corvane/common/session/Version.hpp"
+#include "foundation/corvane/common/session/undefinedVersion.hpp"
 
 #include <array>
 #include <boost/numeric/conversion/cast.hpp>
@@ -11,7 +11,7 @@
 
 #include "foundation/corvane/common/session/MessageProtocolConfig.hpp"
 #include "foundation/corvane/common/session/MessageProtocolResolution.hpp"
-#include "foundation/corvane/common/uuid/Version.hpp"
+#include "foundation/corvane/common/uuid/versionText.hpp"
 #include "foundation/json.hpp"
 #include "fuzz/check.hpp"
 

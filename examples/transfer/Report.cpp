@@ -9,8 +9,8 @@
 #include <sstream>
 
 #include "foundation/corvane/common/serialization/IDText.hpp"
-#include "foundation/corvane/common/uuid/Version.hpp"
 #include "foundation/corvane/common/uuid/uuid.hpp"
+#include "foundation/corvane/common/uuid/versionText.hpp"
 #include "foundation/corvane/inspect/printable.hpp"
 #include "protocols/MessageSerializer.hpp"
 #include "protocols/progress.hpp"

@@ -6,7 +6,7 @@
 #include <sstream>
 #include <string_view>
 
-#include "foundation/corvane/common/uuid/Version.hpp"
+#include "foundation/corvane/common/uuid/versionText.hpp"
 
 namespace transfer {
 

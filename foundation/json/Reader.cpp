@@ -10,15 +10,15 @@
 #include <optional>
 #include <system_error>
 
-#include "foundation/json/ReaderSteps.hpp"
 #include "foundation/json/ascii.hpp"
-#include "foundation/json/plainRun.hpp"
+#include "foundation/json/internal/InlineReader.hpp"
+#include "foundation/json/internal/scan.hpp"
 
 namespace foundation::json {
 
 namespace {
 
-using Steps = impl::ReaderSteps;
+using Steps = impl::InlineReader;
 
 const char* skipDigits(const char* at, const char* end) noexcept {
   // Eight bytes at a time. The high half of a digit is 3, and is still 3 when 6 is added.
@@ -33,7 +33,7 @@ const char* skipDigits(const char* at, const char* end) noexcept {
 }
 
 // -1 for what is no digit.
-int hexDigit(char c) noexcept {
+int hexDigitValue(char c) noexcept {
   if (isdigit_ascii(c)) return c - '0';
   const char lower = static_cast<char>(c | 0x20);
   return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
@@ -69,18 +69,19 @@ char shortEscape(char letter) noexcept {
 std::size_t escapeLength(std::string_view text) noexcept {
   if (text.size() < 2) return cutEscape;
   if (text[1] != 'u') return shortEscape(text[1]) != 0 ? 2 : badEscape;
-  const auto digitAt = [text](std::size_t i) { return hexDigit(text[i]); };
+  const auto digitAt = [text](std::size_t i) { return hexDigitValue(text[i]); };
   if (text.size() >= 6 && (digitAt(2) | digitAt(3) | digitAt(4) | digitAt(5)) >= 0 && digitAt(2) != 0xd) {
     return 6;  // like nearly all: whole, and no half of a pair
   }
   std::size_t length = 6;
   for (std::size_t i = 2; i < length; ++i) {
     if (i == text.size()) return cutEscape;
-    const int digit = hexDigit(text[i]);
+    const int digit = hexDigitValue(text[i]);
     switch (i) {
       case 3:
-        if (hexDigit(text[2]) == 0xd && digit >= 0xc) return badEscape;  // a low half comes first
-        if (hexDigit(text[2]) == 0xd && digit >= 0x8) length = 12;  // a high half, the low one must follow
+        if (hexDigitValue(text[2]) == 0xd && digit >= 0xc) return badEscape;  // a low half comes first
+        if (hexDigitValue(text[2]) == 0xd && digit >= 0x8)
+          length = 12;  // a high half, the low one must follow
         if (digit < 0) return badEscape;
         break;
       case 6:
@@ -104,7 +105,7 @@ std::size_t escapeLength(std::string_view text) noexcept {
 
 unsigned hexUnit(const char* digits) noexcept {
   unsigned unit = 0;
-  for (int i = 0; i < 4; ++i) unit = unit * 16 + static_cast<unsigned>(hexDigit(digits[i]));
+  for (int i = 0; i < 4; ++i) unit = unit * 16 + static_cast<unsigned>(hexDigitValue(digits[i]));
   return unit;
 }
 
@@ -146,9 +147,10 @@ std::int64_t shortInteger(std::string_view number) noexcept {
   return negative ? -value : value;
 }
 
-// Any number, however many digits it has. std::from_chars gets at most as many as can tell a double from the
-// middle between two (767) and one more that stands for all the others, and an exponent that is far from any
-// overflow.
+// Any number, however many digits it has. std::from_chars gets its first 768 digits. One more digit, 1,
+// stands for all the others if one of them is not 0. This is exact, because the middle between two
+// neighbouring doubles has at most 768 digits: the digits behind them only say whether the number is greater
+// than the middle. The exponent that std::from_chars gets is far from any overflow.
 double longToDouble(std::string_view number) noexcept {
   constexpr std::ptrdiff_t mostDigits = 768;
   constexpr std::int64_t mostExponent =
@@ -258,10 +260,10 @@ inline bool Reader::inObject() const noexcept {
   return (objects_[(depth_ - 1) / 64] >> ((depth_ - 1) % 64) & 1) != 0;
 }
 
-// `start` is the opening quote, `at` what the first run of plain bytes behind it ends with.
+// `start` is the opening quote, `at` the first byte behind it that needs a closer look.
 Token Reader::readOddString(Token token, const char* start, const char* at, Expected expected) noexcept {
   bool escaped = false;
-  for (;; at = impl::plainRunEnd(at, end_)) {
+  for (;; at = impl::endOfUnescaped(at, end_)) {
     for (; at != end_ && *at == '\\'; escaped = true) {
       const std::size_t length = escapeLength({at, static_cast<std::size_t>(end_ - at)});
       if (length == badEscape) return Steps::fault(*this, at);
@@ -270,7 +272,7 @@ Token Reader::readOddString(Token token, const char* start, const char* at, Expe
     }
     if (at == end_) return Steps::fault(*this, at);
     if (*at == '"') break;
-    if (!impl::isPlain(*at)) return Steps::fault(*this, at);
+    if (!impl::isUnescaped(*at)) return Steps::fault(*this, at);
   }
   raw_ = {start + 1, static_cast<std::size_t>(at - start - 1)};
   escaped_ = escaped;
@@ -336,12 +338,12 @@ Token Reader::next() noexcept {
       return Steps::readValue(*this, Steps::skipBlanks(at_, end_));
     case Expected::ValueOrEnd:
       return Steps::nextElement(*this);
-    case Expected::NameOrEnd:
-      return Steps::nextName(*this);
+    case Expected::KeyOrEnd:
+      return Steps::nextKey(*this);
     case Expected::Colon:
       return Steps::nextValue(*this);
     case Expected::CommaOrEnd: {
-      if (depth_ != 0) return inObject() ? Steps::nextName(*this) : Steps::nextElement(*this);
+      if (depth_ != 0) return inObject() ? Steps::nextKey(*this) : Steps::nextElement(*this);
       const char* const at = Steps::skipBlanks(at_, end_);
       if (at != end_) return Steps::fault(*this, at);
       raw_ = {};
@@ -414,7 +416,7 @@ bool Reader::skip() noexcept {
       if (expected_ == Expected::Colon) {
         Steps::nextValue(*this);
       } else if (inObject()) {
-        Steps::nextName(*this);
+        Steps::nextKey(*this);
       } else {
         Steps::nextElement(*this);
       }

@@ -13,7 +13,7 @@
 namespace foundation::json {
 
 namespace impl {
-struct ReaderSteps;
+struct InlineReader;
 }
 
 /// What a `Reader` finds in a text. Commas and colons are no tokens, the reader checks them on its way.
@@ -22,7 +22,7 @@ enum class Token : std::uint8_t {
   ObjectEnd,
   ArrayBegin,
   ArrayEnd,
-  Name,  ///< The name of a member; its value is the next token.
+  Key,  ///< The name of a member; its value is the next token.
   String,
   Number,
   True,
@@ -38,7 +38,7 @@ enum class Token : std::uint8_t {
 ///     Reader reader(text);
 ///     std::string title;
 ///     if (reader.next() != Token::ObjectBegin) return;
-///     while (reader.next() == Token::Name) {
+///     while (reader.next() == Token::Key) {
 ///       const bool wanted = reader.equals("title");
 ///       if (reader.next() == Token::String && wanted) reader.copyTo(title);
 ///       reader.skip();
@@ -74,14 +74,14 @@ class FOUNDATION_EXPORT Reader {
   /// How many containers are open after the token.
   std::size_t depth() const noexcept { return depth_; }
 
-  /// The bytes of a `Name` or `String` between its quotes, escapes as they are written, or of a `Number`.
+  /// The bytes of a `Key` or `String` between its quotes, escapes as they are written, or of a `Number`.
   /// Empty for any other token. Lives as long as the text.
   std::string_view raw() const noexcept { return raw_; }
 
-  /// Whether the `Name` or `String`, its escapes resolved, is `text` byte by byte. No memory is needed.
+  /// Whether the `Key` or `String`, its escapes resolved, is `text` byte by byte. No memory is needed.
   bool equals(std::string_view text) const noexcept;
 
-  /// Replaces `out` by the bytes of the `Name` or `String`, its escapes resolved.
+  /// Replaces `out` by the bytes of the `Key` or `String`, its escapes resolved.
   /// @throws std::bad_alloc `out` is as before.
   void copyTo(std::string& out) const;
 
@@ -95,19 +95,19 @@ class FOUNDATION_EXPORT Reader {
   bool skip() noexcept;
 
  private:
-  friend struct impl::ReaderSteps;
+  friend struct impl::InlineReader;
 
-  enum class Expected : std::uint8_t { Value, ValueOrEnd, NameOrEnd, Colon, CommaOrEnd, Nothing };
+  enum class Expected : std::uint8_t { Value, ValueOrEnd, KeyOrEnd, Colon, CommaOrEnd, Nothing };
 
-  // What is not worth inlining of the steps: numbers and literals, and strings that have escapes or faults.
+  // Slow paths, kept out of line: numbers, literals, and strings that have escapes or faults.
   Token readScalar(const char* at) noexcept;
   Token readOddString(Token token, const char* start, const char* at, Expected expected) noexcept;
   Token readNumber(const char* at) noexcept;
   Token readLiteral(Token token, const char* at, std::string_view word) noexcept;
   bool inObject() const noexcept;
 
-  // Where to read on stands away from what is written with it, lest the compiler join the stores into one
-  // that the next call has to wait for.
+  // deliberate: at_ is not beside the members that are written together with it. If the compiler merged these
+  // stores, the next call's load would stall.
   const char* at_;
   const char* end_;
   const char* begin_;

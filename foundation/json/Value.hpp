@@ -67,8 +67,8 @@ concept Held =
 template <class T>
 concept Target = OneOf<T, double, std::string, Array, Object>;
 
-/// What converts to a number but is not made into a value: enumerators, classes, and numbers of which a `double`
-/// or a 64-bit integer may lose digits.
+/// What converts to a number but is not made into a value: enumerators, classes, and numbers of which a
+/// `double` or a 64-bit integer may lose digits.
 template <class T>
 concept Refused = !OneOf<T, Value, float> && !Held<T> && !Integer<T> && !BoolClass<T> &&
                   !std::is_pointer_v<T> && !std::is_array_v<T> && NumberLike<T>;

@@ -67,7 +67,7 @@ Value parse(std::string_view text) {
       case Token::ObjectEnd:
         if (reader.depth() != 0) fill(*open[reader.depth() - 1].container);
         break;
-      case Token::Name:
+      case Token::Key:
         reader.copyTo(name);
         break;
       case Token::String: {

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "foundation/json/Value.hpp"
-#include "foundation/json/plainRun.hpp"
+#include "foundation/json/internal/scan.hpp"
 
 namespace foundation::json {
 
@@ -136,7 +136,7 @@ void appendQuotedTo(Out& out, std::string_view bytes) {
   out.push_back('"');
   for (;;) {
     const char* const run = at;
-    at = impl::plainRunEnd(at, end);
+    at = impl::endOfUnescaped(at, end);
     out.append(run, at);
     if (at == end) break;
     appendEscape(out, *at++);

@@ -8,7 +8,7 @@
 #include "foundation/corvane/common/session/FeatureHandling.hpp"
 #include "foundation/corvane/common/session/FeatureStatus.hpp"
 #include "foundation/corvane/common/session/TransportSetup.hpp"
-#include "foundation/corvane/common/session/Version.hpp"
+#include "foundation/corvane/common/session/undefinedVersion.hpp"
 #include "tests/frozen/frozen.hpp"
 
 namespace foundation::corvane::common::session {

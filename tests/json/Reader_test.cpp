@@ -95,10 +95,10 @@ TEST(Reader, HandsOutTheTokensOfATextWithTheirPlaces) {
     std::string_view raw;
   };
   const std::vector<Step> steps = {
-      {Token::ObjectBegin, 1, 1, ""},  {Token::Name, 2, 1, "a"},         {Token::ArrayBegin, 8, 2, ""},
+      {Token::ObjectBegin, 1, 1, ""},  {Token::Key, 2, 1, "a"},          {Token::ArrayBegin, 8, 2, ""},
       {Token::Number, 9, 2, "1"},      {Token::Number, 12, 2, "-2.5e3"}, {Token::String, 19, 2, R"(x\n)"},
-      {Token::ArrayEnd, 24, 1, ""},    {Token::Name, 27, 1, "b"},        {Token::ObjectBegin, 31, 2, ""},
-      {Token::ObjectEnd, 32, 1, ""},   {Token::Name, 35, 1, "c"},        {Token::ArrayBegin, 39, 2, ""},
+      {Token::ArrayEnd, 24, 1, ""},    {Token::Key, 27, 1, "b"},         {Token::ObjectBegin, 31, 2, ""},
+      {Token::ObjectEnd, 32, 1, ""},   {Token::Key, 35, 1, "c"},         {Token::ArrayBegin, 39, 2, ""},
       {Token::True, 40, 2, ""},        {Token::False, 45, 2, ""},        {Token::Null, 51, 2, ""},
       {Token::ArrayEnd, 55, 1, ""},    {Token::ObjectEnd, 56, 0, ""},    {Token::End, text.size(), 0, ""},
       {Token::End, text.size(), 0, ""}};
@@ -119,7 +119,7 @@ TEST(Reader, ReadsOneMemberAmongOthersAsItsManualShows) {
     Reader reader(text);
     std::string title;
     if (reader.next() != Token::ObjectBegin) return "no object";
-    while (reader.next() == Token::Name) {
+    while (reader.next() == Token::Key) {
       const bool wanted = reader.equals("title");
       if (reader.next() == Token::String && wanted) reader.copyTo(title);
       reader.skip();
@@ -738,7 +738,7 @@ TEST(Reader, ReadsOnTwiceFromACopy) {
 
 TEST(Reader, KnowsTheKindOfEveryOpenContainerAgainWhenItsInnerOnesAreClosed) {
   EXPECT_THAT(tokensOf(R"([{"a":[]},1])"),
-              ElementsAre(Token::ArrayBegin, Token::ObjectBegin, Token::Name, Token::ArrayBegin,
+              ElementsAre(Token::ArrayBegin, Token::ObjectBegin, Token::Key, Token::ArrayBegin,
                           Token::ArrayEnd, Token::ObjectEnd, Token::Number, Token::ArrayEnd, Token::End));
   EXPECT_THAT(tokensOf(R"([{},{}])"),
               ElementsAre(Token::ArrayBegin, Token::ObjectBegin, Token::ObjectEnd, Token::ObjectBegin,

@@ -48,7 +48,8 @@ struct ConvertsToAnything {
 enum Colour : int {};
 enum class Scoped : int {};
 
-// Whether a `T` becomes a value wherever one is wanted, or, if not, whether the compiler refuses it everywhere.
+// Whether a `T` becomes a value wherever one is wanted, or, if not, whether the compiler refuses it
+// everywhere.
 template <class T>
 constexpr bool isTaken = std::is_convertible_v<T, Value>&& std::is_convertible_v<T&, Value>&&
     std::is_constructible_v<Value, T>&& std::is_assignable_v<Value&, T&>&& requires(T& source) {

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "foundation/corvane/common/serialization/Registry.hpp"
-#include "foundation/corvane/common/session/Version.hpp"
+#include "foundation/corvane/common/session/undefinedVersion.hpp"
 #include "protocols/MessageSerializer.hpp"
 
 namespace transfer {

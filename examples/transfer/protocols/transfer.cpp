@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "foundation/corvane/common/session/FeatureRequest.hpp"
-#include "foundation/corvane/common/session/Version.hpp"
+#include "foundation/corvane/common/session/undefinedVersion.hpp"
 #include "protocols/MessageSerializer.hpp"
 #include "protocols/transferMessages.hpp"
 #include "transport/Frame.hpp"

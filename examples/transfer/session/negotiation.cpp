@@ -5,8 +5,8 @@
 #include <stdexcept>
 
 #include "foundation/corvane/common/session/TransportSetup.hpp"
-#include "foundation/corvane/common/uuid/Version.hpp"
 #include "foundation/corvane/common/uuid/uuid.hpp"
+#include "foundation/corvane/common/uuid/versionText.hpp"
 #include "foundation/corvane/inspect.hpp"
 #include "protocols/transfer.hpp"
 #include "session/keepDocument.hpp"

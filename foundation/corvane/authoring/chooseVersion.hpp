@@ -5,7 +5,7 @@
 #include <span>
 #include <utility>
 
-#include "foundation/corvane/common/session/Version.hpp"
+#include "foundation/corvane/common/session/undefinedVersion.hpp"
 
 namespace foundation::corvane::authoring {
 

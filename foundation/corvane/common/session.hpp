@@ -14,4 +14,4 @@
 #include "foundation/corvane/common/session/TransportSetup.hpp"
 #include "foundation/corvane/common/session/TransportType.hpp"
 #include "foundation/corvane/common/session/UUIDType.hpp"
-#include "foundation/corvane/common/session/Version.hpp"
+#include "foundation/corvane/common/session/undefinedVersion.hpp"

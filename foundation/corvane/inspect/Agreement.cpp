@@ -9,7 +9,7 @@
 
 #include "foundation/corvane/common/serialization/Registry.hpp"
 #include "foundation/corvane/common/session/documentWriter.hpp"
-#include "foundation/corvane/common/uuid/Version.hpp"
+#include "foundation/corvane/common/uuid/versionText.hpp"
 #include "foundation/corvane/inspect/printable.hpp"
 #include "foundation/corvane/inspect/text/quoted.hpp"
 #include "foundation/json/serialize.hpp"

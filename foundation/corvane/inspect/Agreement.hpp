@@ -10,7 +10,7 @@
 
 #include "foundation/core/export.hpp"
 #include "foundation/corvane/common/session/MessageProtocolResolution.hpp"
-#include "foundation/corvane/common/session/Version.hpp"
+#include "foundation/corvane/common/session/undefinedVersion.hpp"
 
 namespace foundation::corvane::common::serialization {
 class Registry;

@@ -21,7 +21,7 @@ std::optional<DocumentKind> documentKindOf(std::string_view text) noexcept {
   using enum DocumentKind;
   json::Reader reader(text);
   if (reader.next() != json::Token::ObjectBegin) return {};
-  while (reader.next() == json::Token::Name) {
+  while (reader.next() == json::Token::Key) {
     for (const auto document : {ProtocolConfigs, ProtocolResolutions, ProtocolOffers}) {
       if (reader.equals(listName(document))) return document;
     }

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "foundation/corvane/common/uuid/Version.hpp"
+#include "foundation/corvane/common/uuid/versionText.hpp"
 #include "foundation/corvane/inspect/explaining/explainFeature.hpp"
 #include "foundation/corvane/inspect/explaining/hint.hpp"
 #include "foundation/corvane/inspect/matching/match.hpp"

@@ -13,7 +13,7 @@
 #include "foundation/corvane/common/session/FeatureStatus.hpp"
 #include "foundation/corvane/common/session/MessageProtocolConfig.hpp"
 #include "foundation/corvane/common/session/MessageProtocolResolution.hpp"
-#include "foundation/corvane/common/session/Version.hpp"
+#include "foundation/corvane/common/session/undefinedVersion.hpp"
 #include "foundation/corvane/inspect/Offers.hpp"
 #include "foundation/corvane/inspect/Outcome.hpp"
 

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <utility>
 
-#include "foundation/corvane/common/uuid/Version.hpp"
+#include "foundation/corvane/common/uuid/versionText.hpp"
 #include "foundation/corvane/inspect/matching/match.hpp"
 #include "foundation/corvane/inspect/matching/wording.hpp"
 #include "foundation/corvane/inspect/text/quoted.hpp"

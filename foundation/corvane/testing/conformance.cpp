@@ -14,8 +14,8 @@
 #include "foundation/corvane/common/serialization/Registry.hpp"
 #include "foundation/corvane/common/serialization/SerializerBase.hpp"
 #include "foundation/corvane/common/session/TransportSetup.hpp"
-#include "foundation/corvane/common/session/Version.hpp"
-#include "foundation/corvane/common/uuid/Version.hpp"
+#include "foundation/corvane/common/session/undefinedVersion.hpp"
+#include "foundation/corvane/common/uuid/versionText.hpp"
 
 namespace foundation::corvane::testing {
 

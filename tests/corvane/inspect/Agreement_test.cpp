@@ -16,8 +16,8 @@
 #include "foundation/corvane/common/serialization/ProtocolRegistry.hpp"
 #include "foundation/corvane/common/serialization/Registry.hpp"
 #include "foundation/corvane/common/session/TransportSetup.hpp"
-#include "foundation/corvane/common/uuid/Version.hpp"
 #include "foundation/corvane/common/uuid/uuid.hpp"
+#include "foundation/corvane/common/uuid/versionText.hpp"
 #include "tests/corvane/common/serialization/protocols.hpp"
 
 namespace foundation::corvane::inspect {

@@ -17,7 +17,7 @@
 #include "foundation/corvane/authoring.hpp"
 #include "foundation/corvane/common/serialization/Registry.hpp"
 #include "foundation/corvane/common/serialization/SerializerBase.hpp"
-#include "foundation/corvane/common/session/Version.hpp"
+#include "foundation/corvane/common/session/undefinedVersion.hpp"
 #include "foundation/corvane/testing/conformanceTests.hpp"
 #include "tests/sanitizers.hpp"
 

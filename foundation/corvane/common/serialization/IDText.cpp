@@ -9,7 +9,7 @@
 #include <limits>
 #include <system_error>
 
-#include "foundation/corvane/common/uuid/hexDigit.hpp"
+#include "foundation/corvane/common/uuid/hexDigitValue.hpp"
 #include "foundation/corvane/common/uuid/uuid.hpp"
 #include "foundation/json/ascii.hpp"
 
@@ -64,7 +64,7 @@ class Fields {
     const auto* const limit = digits + std::min(end_ - digits, fewDigits);
     std::int64_t number = 0;
     for (; digits != limit; ++digits) {
-      const auto digit = uuid::hexDigit(*digits);
+      const auto digit = uuid::hexDigitValue(*digits);
       if (digit == uuid::noHexDigit) break;
       number = number << 4 | digit;
     }

@@ -6,7 +6,7 @@
 #include <stdexcept>
 
 #include "foundation/corvane/common/serialization/Registry.hpp"
-#include "foundation/corvane/common/session/Version.hpp"
+#include "foundation/corvane/common/session/undefinedVersion.hpp"
 #include "foundation/log/file_logger.hpp"
 #include "foundation/log/function_scope.hpp"
 

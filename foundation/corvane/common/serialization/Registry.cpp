@@ -8,7 +8,7 @@
 
 #include "foundation/corvane/common/serialization/ProtocolRegistry.hpp"
 #include "foundation/corvane/common/serialization/SerializerBase.hpp"
-#include "foundation/corvane/common/session/Version.hpp"
+#include "foundation/corvane/common/session/undefinedVersion.hpp"
 #include "foundation/log/file_logger.hpp"
 #include "foundation/log/function_scope.hpp"
 

@@ -7,7 +7,7 @@
 
 #include "foundation/core/export.hpp"
 #include "foundation/corvane/common/session/FeatureRequest.hpp"
-#include "foundation/corvane/common/session/Version.hpp"
+#include "foundation/corvane/common/session/undefinedVersion.hpp"
 
 namespace foundation::corvane::common::session {
 

@@ -15,7 +15,7 @@
 #include "foundation/corvane/common/session/documentTables.hpp"
 #include "foundation/corvane/common/session/versionNumber.hpp"
 #include "foundation/json/Reader.hpp"
-#include "foundation/json/ReaderSteps.hpp"
+#include "foundation/json/internal/InlineReader.hpp"
 
 // Not installed: the rules by which the objects of the tables become records. An observer of the decoder
 // learns what becomes of each piece.
@@ -25,7 +25,7 @@
 // does not count; the caller looks once, at the end.
 namespace foundation::corvane::common::session::detail {
 
-using Steps = json::impl::ReaderSteps;
+using Steps = json::impl::InlineReader;
 
 /// Why a member's value does not fit.
 enum class Misfit : std::uint8_t {
@@ -79,8 +79,8 @@ constexpr unsigned bitsOf(Need least) {
       Table::members);
 }
 
-/// Reads an object. `read(entry)` reads the value of a member of the table and says whether it fits; a name may
-/// come again, and the last one counts. Returns whether the object is not lost.
+/// Reads an object. `read(entry)` reads the value of a member of the table and says whether it fits. A name
+/// may come again; the last one counts. Returns whether the object is not lost.
 // Inlined where it is called, because the members are constants there, and so the names to compare with.
 template <class Table, class Observer, class Read>
 [[gnu::always_inline]] inline bool readObject(json::Reader& reader, Observer& observer, const Read& read) {
@@ -93,11 +93,11 @@ template <class Table, class Observer, class Read>
   for (;;) {
     // Nearly every name is one of these and plain, and to ask for it is faster than to read it.
     std::size_t i = size;
-    if (const char* const name = Steps::nameAhead(reader)) {
-      i = first<size>([&](auto n) { return Steps::readNameAhead(reader, name, members<Table>[n].name); });
+    if (const char* const name = Steps::keyAhead(reader)) {
+      i = first<size>([&](auto n) { return Steps::readKeyAhead(reader, name, members<Table>[n].name); });
     }
     if (i == size) {
-      if (Steps::nextName(reader) != json::Token::Name) break;
+      if (Steps::nextKey(reader) != json::Token::Key) break;
       i = first<size>([&](auto n) { return Steps::equals(reader, members<Table>[n].name); });
     }
     observer.member(reader, i);

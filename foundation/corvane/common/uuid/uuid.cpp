@@ -16,7 +16,7 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "foundation/corvane/common/uuid/hexDigit.hpp"
+#include "foundation/corvane/common/uuid/hexDigitValue.hpp"
 
 namespace foundation::corvane::common::uuid {
 
@@ -72,8 +72,8 @@ bool readUsualForm(std::string_view text, boost::uuids::uuid& value) noexcept {
   if (text[8] != '-' || text[13] != '-' || text[18] != '-' || text[23] != '-') return false;
   unsigned seen = 0;
   for (std::size_t i = 0; i < digitPositions.size(); ++i) {
-    const unsigned high = hexDigit(text[digitPositions[i]]);
-    const unsigned low = hexDigit(text[digitPositions[i] + 1U]);
+    const unsigned high = hexDigitValue(text[digitPositions[i]]);
+    const unsigned low = hexDigitValue(text[digitPositions[i] + 1U]);
     seen |= high | low;
     value.begin()[i] = static_cast<std::uint8_t>(high << 4 | low);
   }

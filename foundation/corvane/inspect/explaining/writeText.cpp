@@ -5,7 +5,7 @@
 #include <array>
 #include <string_view>
 
-#include "foundation/corvane/common/uuid/Version.hpp"
+#include "foundation/corvane/common/uuid/versionText.hpp"
 #include "foundation/corvane/inspect/printable.hpp"
 #include "foundation/corvane/inspect/text/quoted.hpp"
 

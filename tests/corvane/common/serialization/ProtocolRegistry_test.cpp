@@ -17,7 +17,7 @@
 #include <vector>
 
 #include "foundation/corvane/common/serialization/Registry.hpp"
-#include "foundation/corvane/common/session/Version.hpp"
+#include "foundation/corvane/common/session/undefinedVersion.hpp"
 #include "tests/log/capture.hpp"
 
 namespace foundation::corvane::common::serialization {

@@ -13,7 +13,7 @@
 #include <unordered_map>
 #include <utility>
 
-#include "foundation/corvane/common/session/Version.hpp"
+#include "foundation/corvane/common/session/undefinedVersion.hpp"
 #include "tests/corvane/common/serialization/serializers.hpp"
 #include "tests/log/capture.hpp"
 

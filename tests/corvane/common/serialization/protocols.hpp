@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "foundation/corvane/common/serialization/ProtocolInitializer.hpp"
-#include "foundation/corvane/common/session/Version.hpp"
+#include "foundation/corvane/common/session/undefinedVersion.hpp"
 
 namespace foundation::corvane::common::serialization::tests {
 

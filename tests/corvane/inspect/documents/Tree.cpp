@@ -19,7 +19,7 @@ Tree read(Reader& reader) {
   switch (reader.token()) {
     case Token::ObjectBegin:
       tree.kind = Tree::Kind::Object;
-      while (reader.next() == Token::Name) {
+      while (reader.next() == Token::Key) {
         Tree::Member member{{}, reader.offset(), {}};
         reader.copyTo(member.name);
         reader.next();

@@ -9,7 +9,7 @@
 #include <emmintrin.h>
 #endif
 
-// Private to the library: where the runs of bytes end of which texts mostly consist.
+// Internal to the project: fast searches for the end of the bytes that texts mostly consist of.
 namespace foundation::json::impl {
 
 inline constexpr std::uint64_t ones = 0x0101010101010101;
@@ -27,8 +27,8 @@ constexpr bool isBlank(char c) noexcept {
   return c == ' ' || c == '\n' || c == '\r' || c == '\t';
 }
 
-// The end of the run of blanks that starts at `at`.
-inline const char* blankRunEnd(const char* at, const char* end) noexcept {
+// The first byte from `at` on that is not blank, or `end`.
+inline const char* endOfBlanks(const char* at, const char* end) noexcept {
   while (at != end && isBlank(*at)) {
     ++at;
     // Lines are indented by many spaces.
@@ -42,13 +42,13 @@ inline const char* blankRunEnd(const char* at, const char* end) noexcept {
   return at;
 }
 
-// Whether a byte stands for itself between quotes.
-constexpr bool isPlain(char c) noexcept {
+// Whether a byte stands for itself in a JSON string.
+constexpr bool isUnescaped(char c) noexcept {
   return static_cast<unsigned char>(c) >= 0x20 && c != '"' && c != '\\';
 }
 
-// The end of the run of plain bytes that starts at `at`.
-inline const char* plainRunEnd(const char* at, const char* end) noexcept {
+// The first byte from `at` on that is not unescaped, or `end`.
+inline const char* endOfUnescaped(const char* at, const char* end) noexcept {
 #ifdef __SSE2__
   for (; end - at >= 16; at += 16) {
     __m128i bytes;
@@ -71,7 +71,7 @@ inline const char* plainRunEnd(const char* at, const char* end) noexcept {
     const std::uint64_t stops = (control | quote | backslash) & tops;
     if (stops != 0) return at + std::countr_zero(stops) / 8;
   }
-  while (at != end && isPlain(*at)) ++at;
+  while (at != end && isUnescaped(*at)) ++at;
   return at;
 }
 

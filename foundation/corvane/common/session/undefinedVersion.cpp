@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "foundation/corvane/common/session/Version.hpp"
+#include "foundation/corvane/common/session/undefinedVersion.hpp"
 
 #include <string>
 #include <string_view>

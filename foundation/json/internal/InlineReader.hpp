@@ -9,20 +9,25 @@
 #include <variant>
 
 #include "foundation/json/Reader.hpp"
-#include "foundation/json/plainRun.hpp"
+#include "foundation/json/internal/scan.hpp"
 
-// Not installed: what `Reader::next` consists of, one step for each place that a reader can stand at. Who
-// knows the place calls the step itself, and has it inlined.
+// Internal to the project, not installed. `InlineReader` has the steps of `Reader::next` as inline functions,
+// one for each place in the grammar. A caller that knows the place saves the calls and the search for the
+// place.
+//
+// Only `Reader.cpp` and the decoder of negotiation documents (session/documentDecoder.hpp) include this
+// header. Everybody else uses `Reader`. It works on the reader's private members, so the libraries that
+// include it must come from one build.
 namespace foundation::json::impl {
 
-struct ReaderSteps {
+struct InlineReader {
   using Expected = Reader::Expected;
 
   /// `next` where an object has been opened or a member's value read: the next name or the object's end.
-  static Token nextName(Reader& reader) noexcept {
+  static Token nextKey(Reader& reader) noexcept {
     const char* at = skipBlanks(reader.at_, reader.end_);
     switch (reader.expected_) {
-      case Expected::NameOrEnd:
+      case Expected::KeyOrEnd:
         if (at != reader.end_ && *at == '}') return close(reader, Token::ObjectEnd, at);
         break;
       case Expected::CommaOrEnd:
@@ -35,28 +40,28 @@ struct ReaderSteps {
         return reader.token_;
     }
     if (at == reader.end_ || *at != '"') return fault(reader, at);
-    return readString(reader, Token::Name, at, Expected::Colon);
+    return readString(reader, Token::Key, at, Expected::Colon);
   }
 
-  /// Where `nextName` would find a name, if no blanks stand before it; else null. Nothing is done yet.
-  static const char* nameAhead(const Reader& reader) noexcept {
+  /// Where `nextKey` would find a name, if no blanks stand before it; else null. Nothing is done yet.
+  static const char* keyAhead(const Reader& reader) noexcept {
     const char* at = reader.at_;
     if (reader.expected_ == Expected::CommaOrEnd && at != reader.end_ && *at == ',') {
       ++at;
-    } else if (reader.expected_ != Expected::NameOrEnd) {
+    } else if (reader.expected_ != Expected::KeyOrEnd) {
       return nullptr;
     }
     return at != reader.end_ && *at == '"' ? at : nullptr;
   }
 
-  /// `nextName`, if what stands `ahead` is `name` and has no escapes; else nothing is done, and that is no
+  /// `nextKey`, if what stands `ahead` is `name` and has no escapes; else nothing is done, and that is no
   /// fault. `name` is known to the compiler, so this is faster than to look for the name's end.
-  static bool readNameAhead(Reader& reader, const char* ahead, std::string_view name) noexcept {
+  static bool readKeyAhead(Reader& reader, const char* ahead, std::string_view name) noexcept {
     if (static_cast<std::size_t>(reader.end_ - ahead) < name.size() + 2) return false;
     if (ahead[name.size() + 1] != '"' || !startsWith(ahead + 1, name)) return false;
     reader.raw_ = {ahead + 1, name.size()};
     reader.escaped_ = false;
-    found(reader, Token::Name, ahead, ahead + name.size() + 2, Expected::Colon);
+    found(reader, Token::Key, ahead, ahead + name.size() + 2, Expected::Colon);
     return true;
   }
 
@@ -92,7 +97,7 @@ struct ReaderSteps {
       case '"':
         return readString(reader, Token::String, at, Expected::CommaOrEnd);
       case '{':
-        return open(reader, Token::ObjectBegin, at, Expected::NameOrEnd);
+        return open(reader, Token::ObjectBegin, at, Expected::KeyOrEnd);
       case '[':
         return open(reader, Token::ArrayBegin, at, Expected::ValueOrEnd);
       default:
@@ -144,7 +149,7 @@ struct ReaderSteps {
   }
 
   static const char* skipBlanks(const char* at, const char* end) noexcept {
-    return at != end && *at > ' ' ? at : blankRunEnd(at, end);
+    return at != end && *at > ' ' ? at : endOfBlanks(at, end);
   }
 
  private:
@@ -155,7 +160,7 @@ struct ReaderSteps {
 
   static Token readString(Reader& reader, Token token, const char* at, Expected expected) noexcept {
     const char* const content = at + 1;
-    const char* const end = plainRunEnd(content, reader.end_);
+    const char* const end = endOfUnescaped(content, reader.end_);
     if (end == reader.end_ || *end != '"') return reader.readOddString(token, at, end, expected);
     reader.raw_ = {content, static_cast<std::size_t>(end - content)};
     reader.escaped_ = false;

@@ -10,7 +10,7 @@ namespace foundation::corvane::common::uuid {
 
 inline constexpr std::uint8_t noHexDigit = 0xF0;  // every digit is below it, none has a bit in common with it
 
-inline constexpr auto hexDigitValues = [] {
+inline constexpr auto hexDigitTable = [] {
   std::array<std::uint8_t, 256> values{};
   values.fill(noHexDigit);
   for (std::uint8_t digit = 0; digit < 10; ++digit) values[std::size_t{'0'} + digit] = digit;
@@ -22,8 +22,8 @@ inline constexpr auto hexDigitValues = [] {
 }();
 
 /// The value of a hexadecimal digit of either case; `noHexDigit` for any other character.
-constexpr std::uint8_t hexDigit(char character) noexcept {
-  return hexDigitValues[static_cast<unsigned char>(character)];
+constexpr std::uint8_t hexDigitValue(char character) noexcept {
+  return hexDigitTable[static_cast<unsigned char>(character)];
 }
 
 }  // namespace foundation::corvane::common::uuid

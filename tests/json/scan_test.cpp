@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "foundation/json/plainRun.hpp"
+#include "foundation/json/internal/scan.hpp"
 
 #include <gtest/gtest.h>
 
@@ -39,14 +39,14 @@ void expectEveryRunToEndRightly(RunEnd runEnd, bool (*belongs)(char), char usual
   }
 }
 
-TEST(PlainRun, EndsBeforeTheFirstByteThatIsNotPlain) {
-  expectEveryRunToEndRightly(plainRunEnd, isPlain, 'a');
-  expectEveryRunToEndRightly(plainRunEnd, isPlain, '\xff');
+TEST(EndOfUnescaped, IsTheFirstByteThatStandsForSomethingElse) {
+  expectEveryRunToEndRightly(endOfUnescaped, isUnescaped, 'a');
+  expectEveryRunToEndRightly(endOfUnescaped, isUnescaped, '\xff');
 }
 
-TEST(BlankRun, EndsBeforeTheFirstByteThatIsNotBlank) {
-  expectEveryRunToEndRightly(blankRunEnd, isBlank, ' ');
-  expectEveryRunToEndRightly(blankRunEnd, isBlank, '\n');
+TEST(EndOfBlanks, IsTheFirstByteThatIsNotBlank) {
+  expectEveryRunToEndRightly(endOfBlanks, isBlank, ' ');
+  expectEveryRunToEndRightly(endOfBlanks, isBlank, '\n');
 }
 
 }  // namespace

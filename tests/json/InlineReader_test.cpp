@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Who knows where a reader stands takes a step of his own instead of `next`, and must find the same.
-#include "foundation/json/ReaderSteps.hpp"
+#include "foundation/json/internal/InlineReader.hpp"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +12,7 @@
 namespace foundation::json {
 namespace {
 
-using Steps = impl::ReaderSteps;
+using Steps = impl::InlineReader;
 
 const std::string text =
     R"({ "name":"x","n\u0061me":1,"name" :[1,-2.5e3,"\ud83d\ude00",{},[ ]], "names":{"name":{"nam":null},)"
@@ -20,12 +20,12 @@ const std::string text =
 
 // The step for the place behind `token`; `containers` are the open ones, true for an object.
 Token step(Reader& reader, const std::vector<bool>& containers) {
-  if (reader.token() == Token::Name) return Steps::nextValue(reader);
+  if (reader.token() == Token::Key) return Steps::nextValue(reader);
   if (containers.empty()) return reader.next();
   if (!containers.back()) return Steps::nextElement(reader);
-  const char* const ahead = Steps::nameAhead(reader);
-  if (ahead != nullptr && Steps::readNameAhead(reader, ahead, "name")) return Token::Name;
-  return Steps::nextName(reader);
+  const char* const ahead = Steps::keyAhead(reader);
+  if (ahead != nullptr && Steps::readKeyAhead(reader, ahead, "name")) return Token::Key;
+  return Steps::nextKey(reader);
 }
 
 void expectStepsLikeNext(const std::string& document) {
@@ -61,15 +61,15 @@ void expectStepsLikeNext(const std::string& document) {
   }
 }
 
-TEST(ReaderSteps, FindWhatNextFinds) {
+TEST(InlineReader, FindsWhatNextFinds) {
   expectStepsLikeNext(text);
 }
 
-TEST(ReaderSteps, FindWhatNextFindsWhereTheTextEndsTooEarly) {
+TEST(InlineReader, FindsWhatNextFindsWhereTheTextEndsTooEarly) {
   for (std::size_t size = 0; size < text.size(); ++size) expectStepsLikeNext(text.substr(0, size));
 }
 
-TEST(ReaderSteps, FindTheFaultThatNextFinds) {
+TEST(InlineReader, FindsTheFaultThatNextFinds) {
   std::mt19937_64 random(1);
   const std::string bytes = "{}[],:\"\\ \nna0-.e";
   for (int round = 0; round < 20000; ++round) {
@@ -87,14 +87,14 @@ TEST(ReaderSteps, FindTheFaultThatNextFinds) {
   }
 }
 
-TEST(ReaderSteps, StayAtAFault) {
+TEST(InlineReader, StaysAtAFault) {
   Reader reader("{]");
   reader.next();
   reader.next();
   const auto offset = reader.offset();
 
-  EXPECT_EQ(Steps::nameAhead(reader), nullptr);
-  EXPECT_EQ(Steps::nextName(reader), Token::Error);
+  EXPECT_EQ(Steps::keyAhead(reader), nullptr);
+  EXPECT_EQ(Steps::nextKey(reader), Token::Error);
   EXPECT_EQ(Steps::nextElement(reader), Token::Error);
   Steps::skip(reader);
 
