@@ -9,3 +9,4 @@
 #include "foundation/log/function_scope.hpp"
 #include "foundation/log/indent_attribute.hpp"
 #include "foundation/log/record_composer.hpp"
+#include "foundation/log/records_after_fork.hpp"

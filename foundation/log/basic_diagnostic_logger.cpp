@@ -3,13 +3,14 @@
 
 #include <boost/log/attributes/attribute_value_impl.hpp>
 #include <boost/log/attributes/attribute_value_set.hpp>
-#include <mutex>
 #include <utility>
 
+#include "foundation/core/fork.hpp"
 #include "foundation/log/channel_table.hpp"
-#include "foundation/log/fork_lock.hpp"
+#include "foundation/log/dropping.hpp"
 #include "foundation/log/indent_attribute.hpp"
 #include "foundation/log/logging_core.hpp"
+#include "foundation/log/no_cancellation.hpp"
 
 namespace foundation::log {
 
@@ -18,10 +19,9 @@ using boost::log::attributes::make_attribute_value;
 struct basic_diagnostic_logger::state {
   explicit state(const std::string& name) : channel(make_attribute_value(name)) {}
 
-  const impl::logging_core& logging = impl::logging_core::instance();
   const boost::log::attribute_value channel;
   indent_attribute indent;
-  impl::fork_lock opening;
+  core::fork_lock opening;
 };
 
 basic_diagnostic_logger::basic_diagnostic_logger(const std::string& channel)
@@ -36,9 +36,11 @@ indent_attribute& basic_diagnostic_logger::indent() noexcept {
 // Passes values instead of attributes: Boost.Log's own severity and channel features share one attribute
 // among threads or keep it in thread-local statics, which may be gone at exit.
 boost::log::record basic_diagnostic_logger::open_enabled_record(std::uint32_t severity) {
-  const auto& logging = state_->logging;
+  if (impl::drops_records()) return {};
+  const auto& logging = impl::logging_core::instance();
   if (!logging.core->get_logging_enabled()) return {};
-  const std::lock_guard lock(state_->opening);
+  const impl::no_cancellation uncancelled;
+  const core::fork_lock::hold lock(state_->opening);
   boost::log::attribute_value_set values;
   values.insert(logging.channel, state_->channel);
   values.insert(logging.severity, make_attribute_value(severity));
@@ -46,8 +48,15 @@ boost::log::record basic_diagnostic_logger::open_enabled_record(std::uint32_t se
   return logging.core->open_record(std::move(values));
 }
 
+// Of an object, as the macros of Boost.Log call it.
+// NOLINTNEXTLINE(readability-convert-member-functions-to-static)
 void basic_diagnostic_logger::push_record(boost::log::record&& record) {
-  state_->logging.core->push_record(std::move(record));
+  if (impl::drops_records()) {  // the thread has forked since it opened the record
+    record.reset();             // or BOOST_LOG_SEV would evaluate the pieces again, without end
+    return;
+  }
+  const impl::no_cancellation uncancelled;
+  impl::logging_core::instance().core->push_record(std::move(record));
 }
 
 }  // namespace foundation::log

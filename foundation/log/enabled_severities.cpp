@@ -1,17 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "foundation/log/enabled_severities.hpp"
 
-#include <pthread.h>
-
-#include <mutex>
+#include <memory>
 #include <string>
 #include <type_traits>
 
+#include "foundation/core/fork.hpp"
 #include "foundation/log/channel_table.hpp"
+#include "foundation/log/dropping.hpp"
 #include "foundation/log/logging_core.hpp"
 
 namespace foundation::log {
 namespace {
+
+using core::structure_change;
 
 // Relaxed for every mask: a record that follows the former mask a little longer does no harm, and nothing is
 // published through them.
@@ -19,13 +21,13 @@ constexpr auto relaxed = std::memory_order_relaxed;
 
 struct Channel {
   const std::string name;
-  std::atomic<std::uint32_t> mask;
-  Channel* const next;
+  std::atomic<std::uint32_t> mask{0};
+  Channel* next = nullptr;
 };
 
-// Lists, because they need no memory while nobody names a channel, and are short.
+// Lists, because they need no memory while nobody names a channel, and are short. Used only under a
+// structure_change, so that a forked child finds all masks as one call has set them.
 struct Table {
-  std::mutex mutex;
   Channel* channels = nullptr;
   impl::attached_mask* attached = nullptr;
   std::uint32_t mask_of_others = 0;
@@ -36,10 +38,10 @@ struct Table {
     return channel;
   }
 
-  Channel& obtain(std::string_view name) {
-    if (auto* const channel = find(name)) return *channel;
-    channels = new Channel{std::string(name), mask_of_others, channels};
-    return *channels;
+  void add(Channel& channel) noexcept {
+    channel.mask.store(mask_of_others, relaxed);
+    channel.next = channels;
+    channels = &channel;
   }
 
   std::uint32_t mask_in_force(std::string_view name) const noexcept {
@@ -52,24 +54,41 @@ struct Table {
 static_assert(std::is_trivially_destructible_v<Table>);
 constinit Table table;
 
-// A fork waits for whoever changes the table, so that the child finds it whole and its lock free.
-[[maybe_unused]] const int fork_handlers =
-    pthread_atfork([] { table.mutex.lock(); }, [] { table.mutex.unlock(); }, [] { table.mutex.unlock(); });
+Channel* known(std::string_view name) noexcept {
+  const structure_change change;
+  return table.find(name);
+}
+
+// Takes memory before it changes the table, because a structure_change may not.
+Channel& obtain(std::string_view name) {
+  if (auto* const channel = known(name)) return *channel;
+  std::unique_ptr<Channel> made(new Channel{std::string(name)});
+  const structure_change change;
+  if (auto* const channel = table.find(name)) return *channel;  // another thread was faster
+  table.add(*made);
+  return *made.release();
+}
+
+// While records are dropped, Boost.Log must not be used. Their resumption does this, then.
+void keep_core_of_boost_log(std::uint32_t mask) {
+  if (mask != 0 && !impl::drops_records()) impl::logging_core::instance();
+}
 
 }  // namespace
 
 void set_enabled_severities(std::string_view channel, std::uint32_t mask) {
-  if (mask != 0) impl::logging_core::instance();
-  const std::lock_guard lock(table.mutex);
-  table.obtain(channel).mask.store(mask, relaxed);
+  keep_core_of_boost_log(mask);
+  auto& known_channel = obtain(channel);
+  const structure_change change;
+  known_channel.mask.store(mask, relaxed);
   for (auto* other = table.attached; other != nullptr; other = other->next) {
     if (channel == other->channel) other->value.store(mask, relaxed);
   }
 }
 
 void set_enabled_severities(std::uint32_t mask) {
-  if (mask != 0) impl::logging_core::instance();
-  const std::lock_guard lock(table.mutex);
+  keep_core_of_boost_log(mask);
+  const structure_change change;
   table.mask_of_others = mask;
   for (auto* channel = table.channels; channel != nullptr; channel = channel->next) {
     channel->mask.store(mask, relaxed);
@@ -80,17 +99,16 @@ void set_enabled_severities(std::uint32_t mask) {
 }
 
 std::uint32_t enabled_severities(std::string_view channel) {
-  const std::lock_guard lock(table.mutex);
+  const structure_change change;
   return table.mask_in_force(channel);
 }
 
 const std::atomic<std::uint32_t>& impl::severities_of(std::string_view channel) {
-  const std::lock_guard lock(table.mutex);
-  return table.obtain(channel).mask;
+  return obtain(channel).mask;
 }
 
 void impl::attach(attached_mask& mask) noexcept {
-  const std::lock_guard lock(table.mutex);
+  const structure_change change;
   if (mask.attached.load(relaxed)) return;
   mask.next = table.attached;
   table.attached = &mask;

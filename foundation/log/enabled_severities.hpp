@@ -14,7 +14,8 @@ namespace foundation::log {
 /// severity, 0 for none. Of this function and the next one, the last call that names a channel counts for it.
 /// A record that another thread is just writing may still follow the former mask.
 ///
-/// Any thread, any time: from static initialisers, after `main`, and in the child of a `fork` too. A channel
+/// Any thread, any time: from static initialisers, after `main`, and in the child of a `fork` too. In a child
+/// that drops its records (see `resume_records_after_fork`) the mask is set, and records are still dropped. A channel
 /// that was named once is remembered to the end of the process. Cost: linear in the number of channels.
 /// @throws std::bad_alloc nothing has changed.
 FOUNDATION_EXPORT void set_enabled_severities(std::string_view channel, std::uint32_t mask);

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "foundation/log/basic_diagnostic_logger.hpp"
+#include "foundation/log/dropping.hpp"
 #include "foundation/log/file_logger.hpp"
 #include "foundation/log/logging_core.hpp"
 
@@ -45,6 +46,7 @@ std::ostream& record_composer::text() noexcept {
 
 void record_composer::push() {
   const std::unique_ptr<composition> last(std::exchange(composition_, nullptr));
+  if (impl::drops_records()) return;  // the thread has forked since it opened the record
   last->record.attribute_values().insert(
       impl::logging_core::instance().message,
       boost::log::attributes::make_attribute_value(std::move(last->text).str()));

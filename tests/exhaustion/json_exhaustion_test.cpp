@@ -25,7 +25,11 @@ Value tree() {
 
 Value deep(int levels) {
   Value value = longText;
-  for (int i = 0; i < levels; ++i) value = Array{std::move(value)};
+  for (int i = 0; i < levels; ++i) {
+    Array outer;
+    outer.push_back(std::move(value));  // an initializer list would be copied, with all that is inside
+    value = std::move(outer);
+  }
   return value;
 }
 

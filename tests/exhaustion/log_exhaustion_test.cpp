@@ -45,6 +45,10 @@ TEST(SeveritiesWithoutMemory, NeedNoneForAChannelThatIsKnown) {
           });
 }
 
+TEST(RecordsWithoutMemory, AreResumed) {
+  exhaust({"log::resume_records_after_fork"}, [] { resume_records_after_fork(); });
+}
+
 TEST(LoggerWithoutMemory, IsNotMade) {
   const basic_diagnostic_logger known(channel);
   exhaust({"log::basic_diagnostic_logger::basic_diagnostic_logger", "log::indent_attribute::indent_attribute",

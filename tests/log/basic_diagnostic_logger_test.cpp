@@ -3,8 +3,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <atomic>
 #include <boost/log/attributes/value_extraction.hpp>
@@ -173,45 +171,6 @@ TEST(BasicDiagnosticLogger, OpensOneRecordAtATime) {
   threads.clear();
 
   EXPECT_EQ(most, 0);
-}
-
-TEST(BasicDiagnosticLogger, LogsInAForkedChildThoughAThreadOfTheParentWasOpeningARecord) {
-  basic_diagnostic_logger logger("logger.fork");
-  const EnabledSeverities enabled("logger.fork", 2);
-  static thread_local bool stays = false;
-  std::latch opening(1);
-  std::latch forked(1);
-  int consumed = 0;
-  const CustomSink sink(
-      [&] {
-        if (stays) {
-          opening.count_down();
-          forked.wait();
-          return false;
-        }
-        return true;
-      },
-      [&](const auto&) { ++consumed; });
-  BOOST_LOG_SEV(logger, 2u) << "the core of Boost.Log knows this thread from now on";
-  std::jthread inTheFilter([&] {
-    stays = true;
-    BOOST_LOG_SEV(logger, 2u) << "held up";
-  });
-  opening.wait();
-
-  const auto child = fork();
-  if (child == 0) {
-    BOOST_LOG_SEV(logger, 2u) << "child";
-    BOOST_LOG_SEV(logger, 2u) << "child";
-    _exit(consumed == 3 ? 0 : 1);
-  }
-  int status = -1;
-  ASSERT_EQ(waitpid(child, &status, 0), child);
-  forked.count_down();
-  inTheFilter.join();
-
-  EXPECT_EQ(status, 0);
-  EXPECT_EQ(consumed, 1);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 #include <stdexcept>
 #include <type_traits>
@@ -237,6 +238,32 @@ TEST(FunctionScope, DropsAnExitThatFails) {
 
   EXPECT_EQ(failures, 1);
   EXPECT_EQ(indentation(), 0u);
+}
+
+TEST(FunctionScope, IsNotCancelledInASink) {
+  const EnabledSeverities enabled("scope", 2 | 32 | 64);
+  int records = 0;
+  const CustomSink sink(everything, [&](const auto&) {
+    pthread_testcancel();
+    ++records;
+  });
+  pthread_t thread{};
+  const auto cancelledInside = [](void*) -> void* {
+    pthread_cancel(pthread_self());
+    {
+      const function_scope scope(logger, "f()", "path", 1);
+      FOUNDATION_LOG(logger, 2) << "text";
+    }
+    pthread_testcancel();
+    return nullptr;
+  };
+
+  ASSERT_EQ(pthread_create(&thread, nullptr, cancelledInside, nullptr), 0);
+  void* result = nullptr;
+  ASSERT_EQ(pthread_join(thread, &result), 0);
+
+  EXPECT_EQ(records, 3);
+  EXPECT_EQ(result, PTHREAD_CANCELED);
 }
 
 }  // namespace

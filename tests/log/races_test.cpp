@@ -1,37 +1,26 @@
 // SPDX-License-Identifier: Apache-2.0
-// Two threads come to a logger for the first time, one in the midst of the other's call. Here it is one
-// thread, which calls again from where the other one would have come between.
-#include <dlfcn.h>
+// Two threads come to a logger for the first time, one in the midst of the other's call.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <pthread.h>
 
+#include <array>
+#include <atomic>
+#include <cstddef>
+#include <thread>
 #include <utility>
 
 #include "foundation/log.hpp"
 #include "tests/allocations.hpp"
-#include "tests/sanitizers.hpp"
-
-namespace {
-void (*beforeTheNextLock)() = nullptr;
-}  // namespace
-
-// The thread sanitizer must not lose sight of the locks, so there nothing comes between.
-#if !THREAD_SANITIZER
-#define COMES_BETWEEN 1
-extern "C" int pthread_mutex_lock(pthread_mutex_t* mutex) noexcept {
-  static const auto lock =
-      reinterpret_cast<int (*)(pthread_mutex_t*)>(::dlsym(RTLD_NEXT, "pthread_mutex_lock"));
-  if (const auto call = std::exchange(beforeTheNextLock, nullptr)) call();
-  return lock(mutex);
-}
-#else
-#define COMES_BETWEEN 0
-#endif
 
 namespace foundation::log {
 namespace {
 
+template <std::size_t... indices>
+constexpr std::array<file_logger, sizeof...(indices)> makeLoggers(std::index_sequence<indices...>) {
+  return {((void)indices, file_logger{"races.attached"})...};
+}
+
+// One thread, which calls again from where another one would have come between.
 TEST(FileLogger, IsTheOneThatWasMadeFirst) {
   static constinit file_logger logger{"races.made"};
   static basic_diagnostic_logger* first = nullptr;
@@ -45,19 +34,24 @@ TEST(FileLogger, IsTheOneThatWasMadeFirst) {
   EXPECT_EQ(&logger.logger(), first);
 }
 
+// Two threads, again and again, because nothing can come between the steps of one call.
 TEST(FileLogger, IsAttachedToItsChannelOnce) {
-  static constinit file_logger logger{"races.attached"};
-  static bool enabledBetween = false;
+  static std::array<file_logger, 500> loggers = makeLoggers(std::make_index_sequence<500>());
   set_enabled_severities("races.attached", 2);
-  beforeTheNextLock = [] { enabledBetween = logger.enabled(2); };
+  std::array<std::atomic<int>, 2> reached{};
+  const auto enableAll = [&](std::size_t self) {
+    for (int i = 0; i < 500; ++i) {
+      reached[self] = i;
+      while (reached[1 - self] < i) std::this_thread::yield();
+      EXPECT_TRUE(loggers[static_cast<std::size_t>(i)].enabled(2));
+    }
+  };
+  std::jthread other([&] { enableAll(1); });
+  enableAll(0);
+  other.join();
 
-  const bool enabled = logger.enabled(2);
-
-  EXPECT_TRUE(enabled);
-  EXPECT_EQ(enabledBetween, COMES_BETWEEN != 0);
   set_enabled_severities("races.attached", 4);  // would not come to an end if the list of loggers were a ring
-  EXPECT_FALSE(logger.enabled(2));
-  EXPECT_TRUE(logger.enabled(4));
+  for (auto& logger : loggers) EXPECT_TRUE(logger.enabled(4) && !logger.enabled(2));
 }
 
 }  // namespace

@@ -3,12 +3,12 @@
 
 #include <algorithm>
 #include <boost/uuid/name_generator_sha1.hpp>
-#include <boost/uuid/string_generator.hpp>
 #include <functional>
 #include <string_view>
 
 #include "foundation/corvane/common/serialization/Registry.hpp"
 #include "foundation/corvane/common/session/documentWriter.hpp"
+#include "foundation/corvane/common/uuid/uuid.hpp"
 #include "foundation/corvane/common/uuid/versionText.hpp"
 #include "foundation/corvane/inspect/printable.hpp"
 #include "foundation/corvane/inspect/text/quoted.hpp"
@@ -173,7 +173,7 @@ std::string toJSON(const Agreement& agreement) {
 
 boost::uuids::uuid fingerprint(const Agreement& agreement) {
   const auto text = toJSON(agreement);
-  const boost::uuids::name_generator_sha1 generate(boost::uuids::string_generator()(nameSpace));
+  const boost::uuids::name_generator_sha1 generate(common::uuid::toUUID(nameSpace));
   return generate(text.data(), text.size());
 }
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "foundation/corvane/common/serialization/ProtocolRegistry.hpp"
 
-#include <algorithm>
-#include <mutex>
+#include <map>
 #include <stdexcept>
 
+#include "foundation/core/fork.hpp"
 #include "foundation/corvane/common/serialization/Registry.hpp"
 #include "foundation/corvane/common/session/undefinedVersion.hpp"
 #include "foundation/log/file_logger.hpp"
@@ -19,6 +19,8 @@ constinit log::file_logger logger{"foundation::corvane::common::session::Protoco
 
 constexpr auto sourcePath = "foundation/corvane/common/serialization/ProtocolRegistry";
 
+using Lock = core::fork_lock::hold;
+
 }  // namespace
 
 struct ProtocolRegistry::State {
@@ -26,9 +28,11 @@ struct ProtocolRegistry::State {
     ProtocolInitializer initializer;  // may be empty
     std::vector<session::FeatureRequest> features;
   };
-  using Protocols = std::unordered_map<std::string, Protocol>;
+  // Not a hash table: to put a ready node into a map takes no memory, and a structure_change may not.
+  using Protocols = std::map<std::string, Protocol>;
 
-  std::mutex mutex;  // guards all that follows
+  // Guards all that follows. What changes is changed under it and a structure_change.
+  core::fork_lock mutex;
   Protocols protocols;
   std::string softwareName;
   std::string softwareVersion;
@@ -52,18 +56,19 @@ void ProtocolRegistry::setSoftwareDescription(const std::string& name, const std
   // Copied first, so that running out of memory leaves the old description whole.
   auto newName = name;
   auto newVersion = version;
-  const std::lock_guard lock(state_->mutex);
+  const Lock lock(state_->mutex);
+  const core::structure_change change;
   state_->softwareName.swap(newName);
   state_->softwareVersion.swap(newVersion);
 }
 
 std::string ProtocolRegistry::softwareName() const {
-  const std::lock_guard lock(state_->mutex);
+  const Lock lock(state_->mutex);
   return state_->softwareName;
 }
 
 std::string ProtocolRegistry::softwareVersion() const {
-  const std::lock_guard lock(state_->mutex);
+  const Lock lock(state_->mutex);
   return state_->softwareVersion;
 }
 
@@ -73,15 +78,18 @@ void ProtocolRegistry::registerProtocolInitializer(const std::string& protocolNa
   FOUNDATION_LOG_FUNCTION(logger, sourcePath);
   FOUNDATION_LOG(logger, 2) << " protocolName=" << protocolName << " softwareName()=" << softwareName()
                             << " softwareVersion()=" << softwareVersion();
-  // Outlives the lock: whatever fails below, the copy of the initializer is destroyed when the mutex is free,
-  // and may call back.
-  State::Protocol entry;
-  const std::lock_guard lock(state_->mutex);
-  entry.initializer = initializer;
-  entry.features = features;
-  const auto [place, isNew] = state_->protocols.try_emplace(protocolName);
-  if (!isNew) throw std::logic_error("Message protocol registered more than once");
-  std::swap(place->second, entry);
+  // Both outlive the lock: whatever fails below, the copy of the initializer is destroyed when the mutex is
+  // free, and may call back.
+  auto entry = State::Protocols{{protocolName, {}}}.extract(protocolName);
+  State::Protocols::insert_return_type result;
+  const Lock lock(state_->mutex);
+  entry.mapped().initializer = initializer;
+  entry.mapped().features = features;
+  {
+    const core::structure_change change;
+    result = state_->protocols.insert(std::move(entry));
+  }
+  if (!result.inserted) throw std::logic_error("Message protocol registered more than once");
 }
 
 void ProtocolRegistry::releaseProtocolInitializer(const std::string& protocolName) noexcept {
@@ -90,18 +98,19 @@ void ProtocolRegistry::releaseProtocolInitializer(const std::string& protocolNam
                             << " softwareVersion()=" << softwareVersion();
   // Outlives the lock: the initializer is destroyed when the mutex is free, and may call back.
   State::Protocols::node_type entry;
-  const std::lock_guard lock(state_->mutex);
+  const Lock lock(state_->mutex);
+  const core::structure_change change;
   entry = state_->protocols.extract(protocolName);
 }
 
 bool ProtocolRegistry::exists(const std::string& protocolName) const {
-  const std::lock_guard lock(state_->mutex);
+  const Lock lock(state_->mutex);
   return state_->protocols.contains(protocolName);
 }
 
 std::vector<session::FeatureRequest> ProtocolRegistry::getAvailableFeatures(
     const std::string& protocolName) const {
-  const std::lock_guard lock(state_->mutex);
+  const Lock lock(state_->mutex);
   const auto protocol = state_->protocols.find(protocolName);
   if (protocol == state_->protocols.end()) return {};
   return protocol->second.features;
@@ -111,7 +120,7 @@ ProtocolInitializer ProtocolRegistry::getProtocolInitializer(const std::string& 
   FOUNDATION_LOG_FUNCTION(logger, sourcePath);
   FOUNDATION_LOG(logger, 2) << " protocolName=" << protocolName << " softwareName()=" << softwareName()
                             << " softwareVersion()=" << softwareVersion();
-  const std::lock_guard lock(state_->mutex);
+  const Lock lock(state_->mutex);
   const auto protocol = state_->protocols.find(protocolName);
   if (protocol != state_->protocols.end()) return protocol->second.initializer;
   FOUNDATION_LOG(logger, 4) << protocolName << " does not exist in map";
@@ -120,12 +129,9 @@ ProtocolInitializer ProtocolRegistry::getProtocolInitializer(const std::string& 
 
 std::vector<std::string> ProtocolRegistry::protocolNames() const {
   std::vector<std::string> names;
-  {
-    const std::lock_guard lock(state_->mutex);
-    names.reserve(state_->protocols.size());
-    for (const auto& [name, protocol] : state_->protocols) names.push_back(name);
-  }
-  std::ranges::sort(names);
+  const Lock lock(state_->mutex);
+  names.reserve(state_->protocols.size());
+  for (const auto& [name, protocol] : state_->protocols) names.push_back(name);
   return names;
 }
 

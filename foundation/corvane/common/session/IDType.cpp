@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "foundation/corvane/common/session/IDType.hpp"
 
-#include <pthread.h>
 #include <unistd.h>
 
 #include <atomic>
+
+#include "foundation/core/fork.hpp"
 
 namespace foundation::corvane::common::session {
 
@@ -13,13 +14,7 @@ namespace {
 // Constant initialisation, so that static initialisers may draw identifiers. Relaxed everywhere: the numbers
 // only have to differ, nothing is published through them.
 constinit std::atomic<std::uint64_t> lastSequence{0};
-constinit std::atomic<std::int64_t> cachedProcessId{0};  // 0: not asked for yet
-
-void forgetProcessId() noexcept {
-  cachedProcessId.store(0, std::memory_order_relaxed);
-}
-
-[[maybe_unused]] const int forkHandler = pthread_atfork(nullptr, nullptr, forgetProcessId);
+constinit auto& cachedProcessId = core::facts_of_forks.process_id;  // 0: not asked for yet
 
 std::int64_t nextSequence() noexcept {
   std::uint64_t next = 0;

@@ -1,21 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "foundation/corvane/common/uuid/uuid.hpp"
 
-#include <pthread.h>
-
 #include <array>
 #include <boost/random/uniform_int_distribution.hpp>
 #include <boost/throw_exception.hpp>
 #include <boost/uuid/string_generator.hpp>
 #include <cstddef>
 #include <cstdint>
-#include <mutex>
-#include <new>
 #include <optional>
 #include <random>
 #include <stdexcept>
 #include <string_view>
 
+#include "foundation/core/fork.hpp"
 #include "foundation/corvane/common/uuid/hexDigitValue.hpp"
 
 namespace foundation::corvane::common::uuid {
@@ -27,8 +24,8 @@ namespace {
 class Generator {
  public:
   boost::uuids::uuid next() {
-    const std::lock_guard lock(mutex_);
-    if (!engine_) engine_.emplace(std::random_device()());
+    const core::fork_lock::hold lock(lock_);
+    seedInThisProcess();
     boost::uuids::uuid value;
     auto byte = value.begin();
     for (int draw = 0; draw < 4; ++draw) {
@@ -42,21 +39,27 @@ class Generator {
   }
 
  private:
-  std::mutex mutex_;
-  std::optional<std::mt19937_64> engine_;  // guarded by mutex_; empty until the first call seeds it
+  // A forked child makes an engine of its own, and never looks at the parent's: another thread of the parent
+  // may have been in the middle of a draw.
+  void seedInThisProcess() {
+    const auto process = core::facts_of_forks.generation.load(std::memory_order_relaxed);
+    if (seededIn_ == process) return;
+    engine_.emplace(std::random_device()());
+    seededIn_ = process;
+  }
+
+  core::fork_lock lock_;  // guards all that follows
+  std::optional<std::mt19937_64> engine_;
+  std::uint32_t seededIn_ = 0;  // the generation of the process that made the engine; 0 before the first call
 };
 
 // Constant initialisation: usable from any static initialiser, and no guard that a fork could leave half
 // taken. Its destructor has nothing to do, so it lasts as long as anybody can call.
 constinit Generator generator;
 
-// In the child of a fork another thread of the parent may hold the mutex for ever, or have stopped in the
-// middle of a draw. Start over: a free mutex, and no engine, so that the child seeds its own.
-void startOverInChild() noexcept {
-  ::new (&generator) Generator;
-}
-
-[[maybe_unused]] const int forkHandler = pthread_atfork(nullptr, nullptr, startOverInChild);
+// string_generator has a static that its first use initialises. If another thread did that during a fork, the
+// child would wait for it for ever. So the first use is here, when the library is loaded.
+[[maybe_unused]] const auto firstUse = boost::uuids::string_generator()("00000000000000000000000000000000");
 
 constexpr std::string_view hexDigits = "0123456789abcdef";
 constexpr std::size_t textLength = 36;

@@ -20,8 +20,7 @@ FOUNDATION_EXPORT boost::uuids::uuid generateNil() noexcept;
 /// seed, which among 77,000 of them is as likely as not, draw the same uuids; and who knows one knows the
 /// next: never use one as a secret.
 ///
-/// Any thread; callers take turns at one process-wide mutex.
-/// @throws std::system_error when the mutex cannot be locked.
+/// Any thread; callers take turns at one process-wide lock, which a forked child finds free.
 /// @throws std::runtime_error (of the standard library) when `std::random_device` fails; the next call tries
 /// again.
 FOUNDATION_EXPORT boost::uuids::uuid generateRandom();

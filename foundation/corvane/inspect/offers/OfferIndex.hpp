@@ -29,9 +29,8 @@ class OfferedProtocol {
 
   /// The values of the feature, each once, in order.
   const std::vector<std::string_view>& values(std::string_view feature) const {
-    static const std::vector<std::string_view> none;
     const auto place = values_.find(feature);
-    return place == values_.end() ? none : place->second;
+    return place == values_.end() ? noValues_ : place->second;
   }
 
   bool has(std::string_view feature, std::string_view value) const { return count(feature, value) != 0; }
@@ -45,6 +44,8 @@ class OfferedProtocol {
  private:
   std::vector<std::string_view> names_;
   std::map<std::string_view, std::vector<std::string_view>> values_;
+  // Always empty. Not a static of the function, because a fork could leave its guard locked.
+  std::vector<std::string_view> noValues_;
   std::map<std::pair<std::string_view, std::string_view>, std::size_t> counts_;
 };
 
