@@ -12,7 +12,7 @@ namespace {
 TEST(Conformance, IsChecked) {
   const ProtocolUnderTest protocol{
       "p", common::serialization::tests::accepting(), {{"a", "1"}}, {{1, 0}}, {}};
-  for (const auto check : allConformance) {
+  for (const auto check : allConformanceChecks) {
     exhaustion::exhaust({"testing::toCString", "testing::violation"},
                         [&] { return std::string(toCString(check)) + violation(check, protocol); });
   }
