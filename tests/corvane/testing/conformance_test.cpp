@@ -392,10 +392,10 @@ TEST(conformance, LetsTheCancellationOfItsThreadThrough) {
     return install(registry, asked, configuration);
   });
   struct Call {
-    Conformance check;
+    ConformanceCheck check;
     const ProtocolUnderTest& protocol;
   };
-  for (const auto check : allConformance) {
+  for (const auto check : allConformanceChecks) {
     Call call{check, protocol};
     pthread_t thread{};
     const auto run = [](void* argument) -> void* {
