@@ -52,7 +52,9 @@ class StreamSink {
 
 FastLog::FastLog() : ring_{}, savedTexts_(new SavedTexts) {}
 
-FastLog::~FastLog() = default;
+FastLog::~FastLog() {
+  delete savedTexts_;
+}
 
 void FastLog::log(const char* text1, const char* text2, const char* text3, const char* text4) noexcept {
   LogAccess::record(*this, {text1, text2, text3, text4});
