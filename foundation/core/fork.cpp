@@ -23,8 +23,9 @@ namespace {
 
 constexpr auto relaxed = std::memory_order_relaxed;
 
-// The thread that changes a structure, or that forks; `nobody` if there is none. One variable is both the lock and
-// its holder: at each instant, a signal handler that forks can see whether its own thread holds the lock.
+// The thread that changes a structure, or that forks; `nobody` if there is none. One variable is both the
+// lock and its holder: at each instant, a signal handler that forks can see whether its own thread holds the
+// lock.
 static_assert(std::is_integral_v<pthread_t> || std::is_pointer_v<pthread_t>);
 constexpr pthread_t nobody{};
 constinit std::atomic<pthread_t> changer{nobody};
@@ -38,14 +39,16 @@ void wait_and_lock() noexcept {
   }
 }
 
-// Sequentially consistent: the notification must not look for waiting threads before others see the lock free.
+// Sequentially consistent: the notification must not look for waiting threads before others see the lock
+// free.
 void unlock() noexcept {
   changer.store(nobody, std::memory_order_seq_cst);
   changer.notify_one();
 }
 
-// Forks go first: a section that has not begun lets them pass. Otherwise a thread that changes structures all the
-// time could keep a fork waiting. Below 0 in the child of a signal handler that interrupted a waiting fork.
+// Forks go first: a section that has not begun lets them pass. Otherwise a thread that changes structures all
+// the time could keep a fork waiting. Below 0 in the child of a signal handler that interrupted a waiting
+// fork.
 constinit std::atomic<int> waiting_forks{0};
 
 void let_forks_pass() noexcept {
@@ -61,10 +64,10 @@ void wait_as_fork() noexcept {
   waiting_forks.notify_all();
 }
 
-// Both belong to the thread that is `changer`.
+// Both belong to the thread that is `changer`. The second one counts the forks by signal handlers that
+// interrupted this thread while it was `changer`.
 constinit bool parent_had_threads = false;
-constinit int forks_inside =
-    0;  // forks by signal handlers that interrupted this thread while it was `changer`
+constinit int forks_inside = 0;
 
 // Whether this process surely has a single thread. A thread that was just joined may count for a moment.
 bool is_single_threaded() noexcept {
@@ -97,8 +100,8 @@ void after_fork() noexcept {
 
 void after_fork_in_child() noexcept {
   auto generation = facts_of_forks.generation.load(relaxed) + 1;
-  if (generation == 0)
-    ++generation;  // unreachable: true after 2^32 forks, each by the child of the former one
+  // unreachable: true after 2^32 forks, each by the child of the former one
+  if (generation == 0) ++generation;
   facts_of_forks.generation.store(generation, relaxed);
   if (parent_had_threads) facts_of_forks.threads_lost_in.store(generation, relaxed);
   facts_of_forks.process_id.store(0, relaxed);
@@ -131,8 +134,8 @@ std::uint32_t fork_lock::acquire() noexcept {
   return current;
 }
 
-// Does nothing if the thread has forked under the lock, is the child's now, and another thread of the child has
-// taken the lock. Sequentially consistent: as above.
+// Does nothing if the thread has forked under the lock, is the child's now, and another thread of the child
+// has taken the lock. Sequentially consistent: as above.
 void fork_lock::release(std::uint32_t generation) noexcept {
   if (holder_.compare_exchange_strong(generation, 0, std::memory_order_seq_cst)) holder_.notify_one();
 }

@@ -32,10 +32,12 @@ namespace foundation::core {
 /// What the fork handlers write down for the rest of the libraries. Relaxed is enough for all of it: the
 /// child has a single thread when these change, and every thread that it starts later sees the change.
 struct fork_facts {
-  std::atomic<std::uint32_t> generation{1};  ///< Differs from the parent's. Never 0.
-  std::atomic<std::uint32_t> threads_lost_in{
-      0};                                   ///< The generation that last lost threads by its fork; 0: none.
-  std::atomic<std::int64_t> process_id{0};  ///< A cache for its user; the child finds 0.
+  /// Differs from the parent's. Never 0.
+  std::atomic<std::uint32_t> generation{1};
+  /// The generation that last lost threads by its fork; 0 if none has.
+  std::atomic<std::uint32_t> threads_lost_in{0};
+  /// A cache for its user; the child finds 0.
+  std::atomic<std::int64_t> process_id{0};
 };
 FOUNDATION_EXPORT extern constinit fork_facts facts_of_forks;
 

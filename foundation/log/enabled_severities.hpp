@@ -15,8 +15,9 @@ namespace foundation::log {
 /// A record that another thread is just writing may still follow the former mask.
 ///
 /// Any thread, any time: from static initialisers, after `main`, and in the child of a `fork` too. In a child
-/// that drops its records (see `resume_records_after_fork`) the mask is set, and records are still dropped. A channel
-/// that was named once is remembered to the end of the process. Cost: linear in the number of channels.
+/// that drops its records (see `resume_records_after_fork`) the mask is set, and records are still dropped. A
+/// channel that was named once is remembered to the end of the process. Cost: linear in the number of
+/// channels.
 /// @throws std::bad_alloc nothing has changed.
 FOUNDATION_EXPORT void set_enabled_severities(std::string_view channel, std::uint32_t mask);
 

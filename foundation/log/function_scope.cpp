@@ -25,8 +25,8 @@ void function_scope::leave() noexcept {
   try {
     FOUNDATION_LOG(*active_, exit_severity)
         << signature_ << (std::uncaught_exceptions() > exceptions_ ? " [throw]" : "");
-  } catch (
-      ...) {  // deliberate: a trace that fails must not change how the function ends; nothing is cancelled here
+  } catch (...) {
+    // deliberate: a trace that fails must not change how the function ends. No cancellation gets here.
   }
 }
 

@@ -8,7 +8,8 @@ namespace foundation::log::impl {
 
 /// What the loggers need of Boost.Log, fetched once and never destroyed. Boost.Log keeps its core and its
 /// attribute names in statics of its own, which may be gone when an exit handler logs: later than here nobody
-/// may ask for them. That is why enabling a severity comes here, too. Not to be used while records are dropped.
+/// may ask for them. That is why enabling a severity comes here, too. Not to be used while records are
+/// dropped.
 struct logging_core {
   /// @throws std::bad_alloc
   static const logging_core& instance();

@@ -6,8 +6,8 @@
 namespace foundation::log::impl {
 
 /// Puts off the cancellation of the calling thread for a scope. Filters and sinks run in it: a file or a lock
-/// is a cancellation point, the cancellation unwinds the stack, and records are also written in functions that
-/// nothing may leave but by returning. Unwinding through these ends the process.
+/// is a cancellation point, the cancellation unwinds the stack, and records are also written in functions
+/// that nothing may leave but by returning. Unwinding through these ends the process.
 class no_cancellation {
  public:
   no_cancellation() noexcept { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &former_); }

@@ -11,8 +11,8 @@
 namespace foundation::log {
 namespace {
 
-// The loss of threads after which records were resumed. Acquire and release: a thread that sees it goes to the
-// core, and must see what the thread that resumed did to the sinks.
+// The loss of threads after which records were resumed. Acquire and release: a thread that sees it goes to
+// the core, and must see what the thread that resumed did to the sinks.
 constinit std::atomic<std::uint32_t> resumed_after{0};
 
 std::uint32_t last_loss() noexcept {

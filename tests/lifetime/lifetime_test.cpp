@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Calls every exported operation where a process begins and ends, and in threads that are being cancelled.
 //
-// Without an argument: starts itself once for each moment below, and prints the table of the operations that were
-// called at each of them, for complete.py.
+// Without an argument: starts itself once for each moment below, and prints the table of the operations that
+// were called at each of them, for complete.py.
 #include <pthread.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -166,8 +166,8 @@ void afterMain() {
 }
 
 #if CORVANE_SHARED
-// Registered before any static object is made, and so run when those of all libraries are destroyed. on_exit, because
-// std::atexit ties a handler to the program's own end, which comes before that of its libraries.
+// Registered before any static object is made, and so run when those of all libraries are destroyed. on_exit,
+// because std::atexit ties a handler to the program's own end, which comes before that of its libraries.
 void registerTheLast() {
   ::on_exit([](int, void*) { afterMain(); }, nullptr);
 }
@@ -182,8 +182,8 @@ void begin(int argc, char** argv, char**) {
 
 __attribute__((section(".preinit_array"), used)) void (*const beginning)(int, char**, char**) = begin;
 
-// This file is the last one of the program, and a static library comes after it. So this object is made before the
-// static objects of a static library, and destroyed after them.
+// This file is the last one of the program, and a static library comes after it. So this object is made
+// before the static objects of a static library, and destroyed after them.
 struct Frame {
   Frame() { beforeMain(); }
   ~Frame() { afterMain(); }
@@ -227,8 +227,8 @@ int runEach(const char* program) {
 }  // namespace
 
 #if CORVANE_SHARED
-// The program's own static objects, which the calls use, are never destroyed. The linker puts this function in the
-// place of __cxa_atexit for the program alone.
+// The program's own static objects, which the calls use, are never destroyed. The linker puts this function
+// in the place of __cxa_atexit for the program alone.
 extern "C" int __wrap___cxa_atexit(void (*)(void*), void*, void*) {
   return 0;
 }

@@ -1,6 +1,6 @@
-// SPDX-License-Identifier: Apache-2.0
-// Included by the sources that scripts/mutate has rewritten. The environment variable MUTANT is the number of the one
-// mutant that is switched on. MUTANTS_REACHED, if set, names a file in which the run marks the mutants that it reaches.
+// SPDX-License-Identifier: Apache-2.0 Included by the sources that scripts/mutate has rewritten. The
+// environment variable MUTANT is the number of the one mutant that is switched on. MUTANTS_REACHED, if set,
+// names a file in which the run marks the mutants that it reaches.
 #pragma once
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -27,7 +27,8 @@ inline bool isChosen(unsigned number) noexcept {
   return number == chosenNumber;
 }
 
-/// Whether the mutant is switched on. Does not compile where a constant is needed: nothing can be switched there.
+/// Whether the mutant is switched on. Does not compile where a constant is needed: nothing can be switched
+/// there.
 constexpr bool on(unsigned number) noexcept {
   return number == 0 || isChosen(number);
 }

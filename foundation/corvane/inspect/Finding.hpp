@@ -50,8 +50,8 @@ struct Finding {
   std::size_t offset = 0;
   std::size_t line = 1;    ///< Of the offset, counted by line feeds from 1.
   std::size_t column = 1;  ///< Of the offset in its line, counted in bytes from 1.
-  /// Rule and effect in a sentence for people, with what was found, cut after 40 bytes. It is `printable`, and
-  /// has no full stop.
+  /// Rule and effect in a sentence for people, with what was found, cut after 40 bytes. It is `printable`,
+  /// and has no full stop.
   std::string message;
 
   friend bool operator==(const Finding&, const Finding&) = default;

@@ -20,9 +20,9 @@ class ConformanceTest : public ::testing::TestWithParam<ConformanceCheck> {
 
 }  // namespace foundation::corvane::testing
 
-/// Puts a protocol through all checks of `foundation::corvane::testing::ConformanceCheck`, as GoogleTest's tests
-/// `suite.ConformsIn/<check>`. `protocol` is an expression that gives a `ProtocolUnderTest`; it is evaluated
-/// for each test. Stands outside of all functions, once for each suite.
+/// Puts a protocol through all checks of `foundation::corvane::testing::ConformanceCheck`, as GoogleTest's
+/// tests `suite.ConformsIn/<check>`. `protocol` is an expression that gives a `ProtocolUnderTest`; it is
+/// evaluated for each test. Stands outside of all functions, once for each suite.
 ///
 ///     CORVANE_CONFORMANCE_TESTS(Telemetry, (ProtocolUnderTest{"Telemetry", install, offers, {{2, 0}},
 ///     {"ping"}}));

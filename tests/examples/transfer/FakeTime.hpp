@@ -8,8 +8,8 @@
 
 namespace transfer::tests {
 
-/// A clock for a thread that waits for its peer. It stands still as long as the peer may act. After that, each
-/// deadline comes at once, as soon as all that the peer has sent is read.
+/// A clock for a thread that waits for its peer. It stands still as long as the peer may act. After that,
+/// each deadline comes at once, as soon as all that the peer has sent is read.
 class FakeTime : public TimeSource {
  public:
   Clock::time_point now() const override { return start_ + passed_; }

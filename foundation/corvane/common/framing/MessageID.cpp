@@ -23,8 +23,8 @@ std::uint64_t toMessageID(const std::string& text) noexcept {
   const bool negative = position != end && *position == '-';
   if (position != end && (*position == '-' || *position == '+')) ++position;
 
-  std::uint64_t id =
-      0;  // what from_chars leaves where there are no digits: "undefined" needs no test of its own
+  // Without digits, from_chars leaves the 0, so "undefined" needs no test of its own.
+  std::uint64_t id = 0;
   if (std::from_chars(position, end, id).ec == std::errc::result_out_of_range) {
     return std::numeric_limits<std::uint64_t>::max();
   }

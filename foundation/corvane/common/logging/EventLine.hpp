@@ -17,11 +17,11 @@ struct EventColumn {
   std::uint32_t width;  // a minimum, in characters
 };
 
-/// How events are printed. `FastLog::print` and `dumpFastLog` write their lines with `write`. A debugger finds the
-/// columns in the descriptor of processLogger.cpp.
+/// How events are printed. `FastLog::print` and `dumpFastLog` write their lines with `write`. A debugger
+/// finds the columns in the descriptor of processLogger.cpp.
 struct EventLine {
-  /// Every text of an event, in the order of the record. The line has them in this order, and `FastLog::log` stores
-  /// them in this order.
+  /// Every text of an event, in the order of the record. The line has them in this order, and `FastLog::log`
+  /// stores them in this order.
   static constexpr std::array columns = {
       EventColumn{&FastLog::Record::text1, 15},
       EventColumn{&FastLog::Record::text2, 25},

@@ -79,7 +79,8 @@ class FOUNDATION_EXPORT FastLog {
   std::array<Record, logSize> ring_;  // read and written through atomic references only
   // How many events were ever recorded. Every writer changes it.
   alignas(cacheLine) std::atomic<std::uint64_t> count_{0};
-  // Owned. A plain pointer keeps the layout standard, which offsetof asks for: a unique_ptr does not with every library.
+  // Owned. A plain pointer keeps the layout standard, which offsetof asks for: a unique_ptr does not with
+  // every library.
   alignas(cacheLine) SavedTexts* const savedTexts_;
   std::array<std::byte, 4 * cacheLine> reserved_{};
 };

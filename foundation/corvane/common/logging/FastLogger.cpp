@@ -14,9 +14,9 @@
 
 namespace foundation::corvane::common::logging {
 
-// The logger of `instance()`. Once it is published nothing destroys it, because a thread may look at it at any
-// moment up to the end of the process. What ends is its log: when the last reference goes, it becomes a logger without
-// a log.
+// The logger of `instance()`. Once it is published nothing destroys it, because a thread may look at it at
+// any moment up to the end of the process. What ends is its log: when the last reference goes, it becomes a
+// logger without a log.
 class __attribute__((visibility("hidden"))) FastLogger::ProcessLogger : public FastLogger {
  public:
   /// A logger with an empty log, to which `instance()` and the process refer.
@@ -33,8 +33,8 @@ class __attribute__((visibility("hidden"))) FastLogger::ProcessLogger : public F
 
   void dropOwnReference() noexcept { own_.reset(); }
 
-  /// Makes the logger of this process, or returns the one that another thread has made meanwhile. No thread waits
-  /// for another one: in the child of a fork that one may not exist.
+  /// Makes the logger of this process, or returns the one that another thread has made meanwhile. No thread
+  /// waits for another one: in the child of a fork that one may not exist.
   __attribute__((noinline)) static const ProcessLogger* make() {
     auto made = std::make_unique<ProcessLogger>();
     FastLogger* published = nullptr;
@@ -53,8 +53,9 @@ class __attribute__((visibility("hidden"))) FastLogger::ProcessLogger : public F
   std::weak_ptr<FastLogger> handle_;
 };
 
-// Not a std::shared_ptr: only after a logger is published its maker could store it there, and by then another thread
-// may be destroying the static objects. So the reference lies in the logger, and this is what drops it.
+// Not a std::shared_ptr: only after a logger is published its maker could store it there, and by then another
+// thread may be destroying the static objects. So the reference lies in the logger, and this is what drops
+// it.
 class __attribute__((visibility("hidden"))) FastLogger::ProcessReference {
  public:
   constexpr ProcessReference() noexcept = default;
@@ -63,7 +64,8 @@ class __attribute__((visibility("hidden"))) FastLogger::ProcessReference {
 
   ~ProcessReference() {
     FastLogger* logger = nullptr;
-    // If there is no logger, later calls of instance() must not make one. Never destroyed, like every ProcessLogger.
+    // If there is no logger, later calls of instance() must not make one. Never destroyed, like every
+    // ProcessLogger.
     alignas(ProcessLogger) static std::array<std::byte, sizeof(ProcessLogger)> storage;
     auto* const withoutLog = ::new (storage.data()) ProcessLogger(nullptr);
     if (!processLogger.compare_exchange_strong(logger, withoutLog))

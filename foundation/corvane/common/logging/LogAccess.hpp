@@ -18,8 +18,8 @@
 // Not installed.
 namespace foundation::corvane::common::logging {
 
-/// How threads write and read the ring of a log, and where its parts lie. docs/model/accesses.txt lists every access
-/// with its memory order; docs/fastlog-model.md says what follows from these orders.
+/// How threads write and read the ring of a log, and where its parts lie. docs/model/accesses.txt lists every
+/// access with its memory order; docs/fastlog-model.md says what follows from these orders.
 struct LogAccess {
   static constexpr std::size_t currentOffset = offsetof(FastLogger, current_);
   static constexpr std::size_t countOffset = offsetof(FastLog, count_);
@@ -35,8 +35,8 @@ struct LogAccess {
   /// Whether an event has been stored into `record`.
   static bool isWritten(const FastLog::Record& record) noexcept { return loadText(record.text2) != nullptr; }
 
-  /// A copy of `record` as it is at this moment: some of its texts may belong to a newer event than others. Its text2
-  /// is null if it is empty. Otherwise it has a text1.
+  /// A copy of `record` as it is at this moment: some of its texts may belong to a newer event than others.
+  /// Its text2 is null if it is empty. Otherwise it has a text1.
   static FastLog::Record load(const FastLog::Record& record) noexcept {
     FastLog::Record copy{};
     // text2 first. `log` stores it after text1, so text1 is there, too.
@@ -48,15 +48,16 @@ struct LogAccess {
   }
 
  private:
-  // The columns are template arguments, so that the compiler knows each offset and leaves nothing but the stores.
+  // The columns are template arguments, so that the compiler knows each offset and leaves nothing but the
+  // stores.
   template <std::size_t... columns>
   static void storeTexts(FastLog::Record& slot, const FastLog::Record& event,
                          std::index_sequence<columns...> /*all*/) noexcept {
     (storeText<EventLine::columns[columns].text>(slot, event), ...);
   }
 
-  // Release and acquire, for every text: a thread that loads the pointer also sees the bytes behind it, which the
-  // writer saved before it stored the pointer. On x86 both are plain moves.
+  // Release and acquire, for every text: a thread that loads the pointer also sees the bytes behind it, which
+  // the writer saved before it stored the pointer. On x86 both are plain moves.
   template <const char* FastLog::Record::*text>
   static void storeText(FastLog::Record& slot, const FastLog::Record& event) noexcept {
     __atomic_store_n(&(slot.*text), event.*text, __ATOMIC_RELEASE);

@@ -8,8 +8,8 @@
 // Not installed.
 namespace foundation::corvane::common::logging {
 
-/// Reads memory of this process that may not be there, with system calls that a signal handler may make. Some of them
-/// are cancellation points, so the caller turns cancellation off.
+/// Reads memory of this process that may not be there, with system calls that a signal handler may make. Some
+/// of them are cancellation points, so the caller turns cancellation off.
 class MemoryReader {
  public:
   MemoryReader() noexcept = default;
@@ -17,12 +17,12 @@ class MemoryReader {
   MemoryReader& operator=(const MemoryReader&) = delete;
   ~MemoryReader();
 
-  /// Copies `size` bytes (at most 512) from the address `from`. Returns whether all of them could be read. A block
-  /// that crosses a page boundary counts as unreadable as soon as one of its pages is gone.
+  /// Copies `size` bytes (at most 512) from the address `from`. Returns whether all of them could be read. A
+  /// block that crosses a page boundary counts as unreadable as soon as one of its pages is gone.
   bool read(std::uintptr_t from, void* to, std::size_t size) noexcept;
 
-  /// The same for a variable that other threads write with release. If this call sees a pointer that such a thread
-  /// stored, later calls see everything that the thread wrote before.
+  /// The same for a variable that other threads write with release. If this call sees a pointer that such a
+  /// thread stored, later calls see everything that the thread wrote before.
   template <class T>
   bool readShared(std::uintptr_t from, T& to) noexcept {
     static_assert(std::is_trivially_copyable_v<T>);

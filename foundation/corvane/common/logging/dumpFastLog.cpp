@@ -68,8 +68,8 @@ class Output {
   std::array<char, 512> buffer_{};
 };
 
-/// A log that its owner may free at any moment. Its memory is copied by the kernel and never accessed here: what was
-/// freed reads as events with unreadable texts, or as no event.
+/// A log that its owner may free at any moment. Its memory is copied by the kernel and never accessed here:
+/// what was freed reads as events with unreadable texts, or as no event.
 class SharedLog {
  public:
   static constexpr std::uint64_t blockSize = 8;
@@ -89,8 +89,8 @@ class SharedLog {
     return bits;
   }
 
-  /// The record of a slot that is written. The kernel copies the texts of one record in any order. It begins after
-  /// `written` saw a text2, so a text1 is there, too.
+  /// The record of a slot that is written. The kernel copies the texts of one record in any order. It begins
+  /// after `written` saw a text2, so a text1 is there, too.
   bool read(std::uint64_t slot, FastLog::Record& record) noexcept {
     return reader_.readShared(addressOf(slot), record);
   }
@@ -176,8 +176,8 @@ class Printer {
     return each(text, [&](std::string_view piece) { length += piece.size(); });
   }
 
-  // Hands out the text piece by piece, up to its NUL; false if it cannot be read to its end. Pieces do not cross the
-  // boundaries of pages, so that one which can be read in part can be read in all.
+  // Hands out the text piece by piece, up to its NUL; false if it cannot be read to its end. Pieces do not
+  // cross the boundaries of pages, so that one which can be read in part can be read in all.
   template <class Use>
   bool each(const char* text, const Use& use) noexcept {
     constexpr std::size_t longest = 1U << 20U;
@@ -202,9 +202,9 @@ class Printer {
 
 }  // namespace
 
-// Not pthread_setcancelstate by its own declaration, which lets it throw: the second call unwinds a thread that was
-// cancelled asynchronously in the meantime. If dumpFastLog, which is noexcept, were compiled to watch for exceptions,
-// it would end the process then.
+// Not pthread_setcancelstate by its own declaration, which lets it throw: the second call unwinds a thread
+// that was cancelled asynchronously in the meantime. If dumpFastLog, which is noexcept, were compiled to
+// watch for exceptions, it would end the process then.
 extern "C" int setCancelState(int state, int* before) noexcept __asm__("pthread_setcancelstate");
 
 void dumpFastLog(int fd) noexcept {

@@ -15,12 +15,14 @@ namespace foundation::corvane::common::logging {
 ///       std::raise(signal);
 ///     }
 ///
-/// Made for signal handlers: it allocates nothing, takes no lock, uses no stream, needs at most 2.5 KiB of stack
-/// (more with a sanitizer), and leaves `errno` alone. It is no cancellation point: a thread that is cancelled
-/// meanwhile ends after the call. While other threads log, a line may show an event that is half old and half new.
+/// Made for signal handlers: it allocates nothing, takes no lock, uses no stream, needs at most 2.5 KiB of
+/// stack (more with a sanitizer), and leaves `errno` alone. It is no cancellation point: a thread that is
+/// cancelled meanwhile ends after the call. While other threads log, a line may show an event that is half
+/// old and half new.
 ///
-/// The log and its texts are read with the help of the kernel (process_vm_readv, or a pipe if that is forbidden). So
-/// it survives it if their memory is freed meanwhile, for example because an owner drops a snapshot early:
+/// The log and its texts are read with the help of the kernel (process_vm_readv, or a pipe if that is
+/// forbidden). So it survives it if their memory is freed meanwhile, for example because an owner drops a
+/// snapshot early:
 ///
 /// | what cannot be read             | what is printed                       |
 /// |---------------------------------|---------------------------------------|
@@ -31,9 +33,9 @@ namespace foundation::corvane::common::logging {
 ///
 /// If the memory of a log is in use for something else by then, the lines show what is there.
 ///
-/// Does nothing before the first `FastLogger::instance()` and after the end of the process's log. Stops if `fd`
-/// takes no more; a descriptor that does not block takes no more as soon as it would have to. A pipe that nobody
-/// reads sends SIGPIPE, as for any write.
+/// Does nothing before the first `FastLogger::instance()` and after the end of the process's log. Stops if
+/// `fd` takes no more; a descriptor that does not block takes no more as soon as it would have to. A pipe
+/// that nobody reads sends SIGPIPE, as for any write.
 FOUNDATION_EXPORT void dumpFastLog(int fd) noexcept;
 
 }  // namespace foundation::corvane::common::logging

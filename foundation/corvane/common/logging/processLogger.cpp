@@ -16,9 +16,10 @@ constinit std::atomic<FastLogger*> processLogger{nullptr};
 
 namespace {
 
-// Where a debugger finds the events of a process, and how it prints them. The debugger may read a core file, or a
-// process that it must not disturb, and needs no debug information. tools/gdb/corvane-gdb.py reads this structure. If
-// you change its layout, change its version, too. Its values follow the layout of a log by themselves.
+// Where a debugger finds the events of a process, and how it prints them. The debugger may read a core file,
+// or a process that it must not disturb, and needs no debug information. tools/gdb/corvane-gdb.py reads this
+// structure. If you change its layout, change its version, too. Its values follow the layout of a log by
+// themselves.
 //
 // The layout is the same on every processor, except for the byte order and the size of the pointer.
 struct Descriptor {

@@ -14,8 +14,8 @@
 #include "foundation/corvane/common/session/MessageProtocolResolution.hpp"
 #include "foundation/corvane/common/session/featureNames.hpp"
 
-// Not installed: one table for each kind of object in a document. It lists the object's members and says where
-// a record keeps them. Decoder, writer and diagnosis follow from the tables.
+// Not installed: one table for each kind of object in a document. It lists the object's members and says
+// where a record keeps them. Decoder, writer and diagnosis follow from the tables.
 namespace foundation::corvane::common::session::detail {
 
 /// What a member's value has to be.

@@ -59,7 +59,8 @@ TEST(FastLogInAForkedChild, SavesTextsWhateverTheThreadsOfItsParentWereSaving) {
   std::vector<std::thread> threads;
   for (int i = 0; i < 4; ++i) {
     threads.emplace_back([&stop] {
-      // Short lives, because an allocator may take most of its locks for the first and the last block of a thread.
+      // Short lives, because an allocator may take most of its locks for the first and the last block of a
+      // thread.
       while (!stop) std::thread(saveManyTexts).join();
     });
   }

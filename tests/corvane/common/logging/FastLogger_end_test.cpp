@@ -17,9 +17,9 @@
 namespace foundation::corvane::common::logging {
 namespace {
 
-// The last exit handler of this process. It runs after the static objects of every library are destroyed, because it is
-// registered before any of them is made. on_exit, because std::atexit ties a handler to the program's own end, which
-// comes before that of its libraries.
+// The last exit handler of this process. It runs after the static objects of every library are destroyed,
+// because it is registered before any of them is made. on_exit, because std::atexit ties a handler to the
+// program's own end, which comes before that of its libraries.
 void (*last)() = nullptr;
 
 void registerTheLast(int, char**, char**) {

@@ -1,6 +1,6 @@
-// SPDX-License-Identifier: Apache-2.0
-// What dumpFastLog does if the kernel takes or gives less than it is asked for, and if the log is freed in the
-// midst of it. A program of its own, because it replaces system calls and the allocation of logs.
+// SPDX-License-Identifier: Apache-2.0 What dumpFastLog does if the kernel takes or gives less than it is
+// asked for, and if the log is freed in the midst of it. A program of its own, because it replaces system
+// calls and the allocation of logs.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -58,8 +58,8 @@ extern "C" ssize_t process_vm_readv(pid_t process, const iovec* local, unsigned 
   return -1;
 }
 
-// The memory of a log is gone as soon as the log is freed. A log is over-aligned, and larger than a page, which is what
-// is mapped here. Small objects stay where a sanitizer finds the pointers in them.
+// The memory of a log is gone as soon as the log is freed. A log is over-aligned, and larger than a page,
+// which is what is mapped here. Small objects stay where a sanitizer finds the pointers in them.
 namespace {
 constexpr std::size_t mappedFrom = 4096;
 }  // namespace

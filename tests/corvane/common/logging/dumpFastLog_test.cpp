@@ -264,7 +264,8 @@ TEST(DumpFastLog, SaysIfTheLogCannotBeRead) {
   logger->snapshot();
 }
 
-/// Runs `action` in a thread of its own, on a stack that was painted before. Returns how much of the stack it used.
+/// Runs `action` in a thread of its own, on a stack that was painted before. Returns how much of the stack it
+/// used.
 template <class Action>
 std::size_t stackUsed(const Action& action) {
   constexpr std::size_t size = 256 * 1024;
@@ -359,8 +360,8 @@ TEST(DumpFastLog, IsCompleteInAThreadThatWasCancelledBefore) {
 }
 
 TEST(DumpFastLog, IsCompleteInAThreadThatIsCancelledMeanwhileAndAtOnce) {
-  // AddressSanitizer keeps marks of the frames that were left. ThreadSanitizer makes each function watch for exceptions,
-  // and unwinding through a noexcept one then ends the process.
+  // AddressSanitizer keeps marks of the frames that were left. ThreadSanitizer makes each function watch for
+  // exceptions, and unwinding through a noexcept one then ends the process.
   if (tests::isSanitized) GTEST_SKIP() << "the sanitizers do not take a thread that is cancelled anywhere";
   const auto logger = emptyLogger();
   for (int i = 0; i < 1024; ++i) logger->log("an", "event", nullptr, "of many");

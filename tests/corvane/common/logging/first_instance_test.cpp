@@ -1,6 +1,5 @@
-// SPDX-License-Identifier: Apache-2.0
-// A program of its own, because it replaces the allocation functions, and because each first call needs a process
-// that has not called FastLogger::instance() yet.
+// SPDX-License-Identifier: Apache-2.0 A program of its own, because it replaces the allocation functions, and
+// because each first call needs a process that has not called FastLogger::instance() yet.
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -72,8 +71,8 @@ TEST(FirstInstance, IsMadeInAChildThatIsForkedWhileAnotherThreadMakesIt) {
   EXPECT_GT(n, 3U) << "the logger, its log and its counts are allocated";
 }
 
-// What another thread may do: it makes and publishes the logger while the first call is about to do so. The first call
-// then drops what it has made.
+// What another thread may do: it makes and publishes the logger while the first call is about to do so. The
+// first call then drops what it has made.
 TEST(FirstInstance, IsTheOneThatIsPublishedFirst) {
   const auto kept = [](std::size_t interruptedAt) {
     return statusOfChild([interruptedAt] {

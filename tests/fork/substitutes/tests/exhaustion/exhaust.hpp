@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-// Stands in for the header of this name where tests/exhaustion is compiled for forked children: each operation is
-// called once, and memory does not run out. So one list of operations serves both tests.
+// Stands in for the header of this name where tests/exhaustion is compiled for forked children: each
+// operation is called once, and memory does not run out. So one list of operations serves both tests.
 
 #include <cstddef>
 #include <cstdint>
