@@ -46,9 +46,9 @@ void unlock() noexcept {
   changer.notify_one();
 }
 
-// Forks go first: a section that has not begun lets them pass. Otherwise a thread that changes structures all
-// the time could keep a fork waiting. Below 0 in the child of a signal handler that interrupted a waiting
-// fork.
+// The number of forks that wait. Forks go first: a structure_change that has not begun lets them pass.
+// Otherwise a thread that changes structures all the time could keep a fork waiting. The number may be below
+// 0 in a child: if a signal handler interrupted a waiting fork, and the handler forked.
 constinit std::atomic<int> waiting_forks{0};
 
 void let_forks_pass() noexcept {
@@ -109,7 +109,8 @@ void after_fork_in_child() noexcept {
   after_fork();
 }
 
-// Ends the process if that fails: a child would hang one day, and nobody would find out why.
+// Ends the process if the registration fails. Otherwise a child could hang one day, and nobody would find out
+// why.
 [[gnu::constructor(101)]] void register_handlers() noexcept {
   const int error = pthread_atfork(before_fork, after_fork, after_fork_in_child);
   if (error == 0) return;
@@ -134,8 +135,8 @@ std::uint32_t fork_lock::acquire() noexcept {
   return current;
 }
 
-// Does nothing if the thread has forked under the lock, is the child's now, and another thread of the child
-// has taken the lock. Sequentially consistent: as above.
+// Does nothing in one case: the thread forked while it held the lock, it now runs in the child, and another
+// thread of the child has taken the lock. Sequentially consistent for the same reason as in `unlock`.
 void fork_lock::release(std::uint32_t generation) noexcept {
   if (holder_.compare_exchange_strong(generation, 0, std::memory_order_seq_cst)) holder_.notify_one();
 }

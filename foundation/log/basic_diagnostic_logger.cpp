@@ -48,7 +48,7 @@ boost::log::record basic_diagnostic_logger::open_enabled_record(std::uint32_t se
   return logging.core->open_record(std::move(values));
 }
 
-// Of an object, as the macros of Boost.Log call it.
+// Not static, because the macros of Boost.Log call it on an object.
 // NOLINTNEXTLINE(readability-convert-member-functions-to-static)
 void basic_diagnostic_logger::push_record(boost::log::record&& record) {
   if (impl::drops_records()) {  // the thread has forked since it opened the record

@@ -33,8 +33,8 @@ class indent_attribute;
 /// included, so that none of these may log through the same logger. A thread is not cancelled while a filter
 /// or a sink runs. Fork: the child of a process with several threads drops its records until it calls
 /// `resume_records_after_fork`; the child of a process with one thread goes on. Lifetime: may die before or
-/// after anything else. But who has logged once, or enabled a severity, keeps the core of Boost.Log with its
-/// sinks alive to the end of the process: remove a sink that buffers before `main` returns.
+/// after anything else. But a process that has logged once, or enabled a severity, keeps the core of
+/// Boost.Log with its sinks alive to its end: remove a sink that buffers before `main` returns.
 ///
 /// Where memory runs out, std::bad_alloc comes out of the logging statement; what a piece, a filter or a sink
 /// throws comes out, too, unless the core has an exception handler. Either way no part of the record is

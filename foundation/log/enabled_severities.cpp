@@ -69,7 +69,7 @@ Channel& obtain(std::string_view name) {
   return *made.release();
 }
 
-// While records are dropped, Boost.Log must not be used. Their resumption does this, then.
+// While records are dropped, Boost.Log must not be used. resume_records_after_fork does this later.
 void keep_core_of_boost_log(std::uint32_t mask) {
   if (mask != 0 && !impl::drops_records()) impl::logging_core::instance();
 }

@@ -5,9 +5,10 @@
 
 namespace foundation::log::impl {
 
-/// Puts off the cancellation of the calling thread for a scope. Filters and sinks run in it: a file or a lock
-/// is a cancellation point, the cancellation unwinds the stack, and records are also written in functions
-/// that nothing may leave but by returning. Unwinding through these ends the process.
+/// Postpones the cancellation of the calling thread for a scope. Filters and sinks run in such a scope,
+/// because they may contain cancellation points, for example where they write to a file. A cancellation
+/// unwinds the stack. Records are also written in functions that may only return, and unwinding through such
+/// a function ends the process.
 class no_cancellation {
  public:
   no_cancellation() noexcept { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &former_); }

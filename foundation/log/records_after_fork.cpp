@@ -11,8 +11,8 @@
 namespace foundation::log {
 namespace {
 
-// The loss of threads after which records were resumed. Acquire and release: a thread that sees it goes to
-// the core, and must see what the thread that resumed did to the sinks.
+// The value of threads_lost_in for which records were resumed. Acquire and release: a thread that sees this
+// value uses the core, and must see what the resuming thread did to the sinks.
 constinit std::atomic<std::uint32_t> resumed_after{0};
 
 std::uint32_t last_loss() noexcept {
@@ -26,7 +26,7 @@ bool impl::drops_records() noexcept {
 }
 
 void resume_records_after_fork() {
-  impl::logging_core::instance();  // a mask may have been set meanwhile, which then did not do this
+  impl::logging_core::instance();  // set_enabled_severities does not do this while records are dropped
   resumed_after.store(last_loss(), std::memory_order_release);
 }
 

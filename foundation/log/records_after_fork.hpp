@@ -25,10 +25,11 @@ namespace foundation::log {
 /// - inside Boost.Log: writing a record, adding or removing a sink, a filter or an attribute, or flushing;
 /// - inside a filter or a sink, or holding a lock that one of them takes.
 ///
-/// For example: if all logging threads waited at a barrier, or if all severities were 0 from the start and no
-/// thread used Boost.Log otherwise. If you are wrong, the next logging statement may wait for ever. A sink
-/// that writes by a thread of its own stays without that thread: replace such a sink first.
-/// @throws std::bad_alloc records are still dropped.
+/// Two examples in which you know it: all logging threads waited at a barrier; or all masks of severities
+/// were 0 from the start, and no thread used Boost.Log otherwise. If you are wrong, the next logging
+/// statement may wait for ever. If a sink writes in a thread of its own, the child does not have that thread:
+/// replace such a sink first.
+/// @throws std::bad_alloc when memory runs out; records are still dropped.
 FOUNDATION_EXPORT void resume_records_after_fork();
 
 }  // namespace foundation::log

@@ -1,5 +1,6 @@
-// SPDX-License-Identifier: Apache-2.0 Forks a process again and again while eight of its threads use
-// everything. In each child, every operation that the libraries export must return.
+// SPDX-License-Identifier: Apache-2.0
+// Forks a process again and again while eight of its threads use everything. In each child, every operation
+// that the libraries export must return.
 //
 // Without arguments: a short run of all settings, or a longer one by the factor CORVANE_STRESS; then the
 // table of the operations that each child calls, for complete.py.

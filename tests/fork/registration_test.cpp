@@ -1,5 +1,6 @@
-// SPDX-License-Identifier: Apache-2.0 Stands between the libraries and the C library, where they register
-// their fork handlers when they are loaded.
+// SPDX-License-Identifier: Apache-2.0
+// Stands between the libraries and the C library, where they register their fork handlers when they are
+// loaded.
 //
 // Without arguments: expects one registration by the libraries of this project; then starts itself once more,
 // with a variable of the environment that lets the registration fail, and expects the process to end with a

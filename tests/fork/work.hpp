@@ -29,7 +29,7 @@ extern const Check checks[5];
 /// To be called first in a child.
 void enterChild() noexcept;
 
-/// Of the test program: notes the operation that comes next, or ends the process with a message.
+/// Defined by the test program: notes the operation that comes next, or ends the process with a message.
 void next(const char* operation) noexcept;
 void require(bool condition, const char* message) noexcept;
 

@@ -1,6 +1,7 @@
-// SPDX-License-Identifier: Apache-2.0 Included by the sources that scripts/mutate has rewritten. The
-// environment variable MUTANT is the number of the one mutant that is switched on. MUTANTS_REACHED, if set,
-// names a file in which the run marks the mutants that it reaches.
+// SPDX-License-Identifier: Apache-2.0
+// Included by the sources that scripts/mutate has rewritten. The environment variable MUTANT is the number of
+// the one mutant that is switched on. MUTANTS_REACHED, if set, names a file in which the run marks the
+// mutants that it reaches.
 #pragma once
 #include <fcntl.h>
 #include <sys/mman.h>

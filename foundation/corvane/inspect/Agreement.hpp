@@ -94,8 +94,8 @@ struct Difference {
 /// @throws std::bad_alloc when memory runs out.
 FOUNDATION_EXPORT std::vector<Difference> differencesBetween(const Agreement& mine, const Agreement& theirs);
 
-/// A line for each difference, a sentence without a full stop, "mine" called `me` and "theirs" called `them`;
-/// empty for none. Texts come whole, and are `printable`.
+/// One line for each difference; empty if there is none. Each line is a sentence without a full stop. It
+/// calls "mine" `me` and "theirs" `them`. Texts are made `printable` and are not cut.
 /// @throws std::bad_alloc when memory runs out.
 FOUNDATION_EXPORT std::string toText(const std::vector<Difference>& differences,
                                      const std::string& me = "this end",

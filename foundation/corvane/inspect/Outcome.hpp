@@ -30,7 +30,7 @@ enum class ProtocolOutcome : std::uint8_t {
   Unreadable,  ///< Lost: the request is the default record, which is what an unreadable one becomes.
   NotOffered,  ///< Lost: the server does not offer the protocol.
   Declined,    ///< Lost: the server has the protocol, so its initializer declined, or is empty.
-  NotOfferedOrDeclined,  ///< Lost: one of these two; there are no offers to tell which.
+  NotOfferedOrDeclined,  ///< Lost: not offered or declined; without offers nobody can tell which.
   VersionConflict,       ///< Lost: asked for a second time at another version, which ends the negotiation.
   AnswerWithoutVersion,  ///< Lost: it is in the answer, but with no version, so the client passes it over.
 };

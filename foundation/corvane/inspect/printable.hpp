@@ -16,7 +16,7 @@ enum class Backslashes : std::uint8_t {
 };
 
 /// `text` for a terminal or a log, whatever its bytes. The result is UTF-8 without control characters, so it
-/// is one line, and no terminal obeys anything in it, not even one that reads single bytes.
+/// is one line, and a terminal that reads UTF-8 obeys nothing in it.
 ///
 /// | in `text` | in the result |
 /// |---|---|

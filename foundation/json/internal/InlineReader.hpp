@@ -54,8 +54,9 @@ struct InlineReader {
     return at != reader.end_ && *at == '"' ? at : nullptr;
   }
 
-  /// `nextKey`, if what stands `ahead` is `name` and has no escapes; else nothing is done, and that is no
-  /// fault. `name` is known to the compiler, so this is faster than to look for the name's end.
+  /// If `name` stands at `ahead`, without escapes, does what `nextKey` does and returns true. Otherwise does
+  /// nothing and returns false; this is not a fault. `name` is known to the compiler, so this is faster than
+  /// to look for the name's end.
   static bool readKeyAhead(Reader& reader, const char* ahead, std::string_view name) noexcept {
     if (static_cast<std::size_t>(reader.end_ - ahead) < name.size() + 2) return false;
     if (ahead[name.size() + 1] != '"' || !startsWith(ahead + 1, name)) return false;

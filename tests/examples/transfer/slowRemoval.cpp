@@ -1,6 +1,6 @@
-// SPDX-License-Identifier: Apache-2.0 Preloaded into both processes of a demo. A process that lists a folder
-// with a socket in it goes on only when somebody else has removed the socket. So two processes that remove
-// the same socket always collide.
+// SPDX-License-Identifier: Apache-2.0
+// Preloaded into both processes of a demo. A process that lists a folder with a socket in it goes on only
+// when somebody else has removed the socket. So two processes that remove the same socket always collide.
 #include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>

@@ -1,8 +1,9 @@
-// SPDX-License-Identifier: Apache-2.0 An event log and its descriptor, without the library. It includes
-// nothing, so a compiler builds it for 32 bits or for another processor without any further package. gdb
-// reads the log from the program file or from a core. An event has five texts here, and the columns have
-// widths of their own: the reader has to ask the descriptor. Macros set what the log holds: RECORDS, and for
-// each way to damage the descriptor the value of a member.
+// SPDX-License-Identifier: Apache-2.0
+// An event log and its descriptor, without the library. It includes nothing, so a compiler builds it for 32
+// bits or for another processor without any further package. gdb reads the log from the program file or from
+// a core. An event has five texts here, and the columns have widths of their own: the reader has to ask the
+// descriptor. Macros set what the log holds: RECORDS, and for each way to damage the descriptor the value of
+// a member.
 #if !defined(MAGIC)
 #define MAGIC "corvane.fastlog"
 #endif

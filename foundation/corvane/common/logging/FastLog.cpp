@@ -19,9 +19,9 @@
 
 namespace foundation::corvane::common::logging {
 
-// std::allocator instead of the set's default, oneTBB's scalable one: that one has locks, and a lock that
-// another thread holds during a fork is taken for ever in the child. The C library frees the locks of its own
-// allocator in the child. The set itself has no lock and never waits.
+// Uses std::allocator, not the set's default, which is oneTBB's scalable allocator. The scalable allocator
+// has locks, and a lock that another thread holds during a fork stays locked in the child for ever. The C
+// library frees the locks of its own allocator in the child. The set itself has no lock and never waits.
 struct FastLog::SavedTexts {
   tbb::concurrent_unordered_set<std::string, std::hash<std::string>, std::equal_to<>,
                                 std::allocator<std::string>>

@@ -53,9 +53,9 @@ class __attribute__((visibility("hidden"))) FastLogger::ProcessLogger : public F
   std::weak_ptr<FastLogger> handle_;
 };
 
-// Not a std::shared_ptr: only after a logger is published its maker could store it there, and by then another
-// thread may be destroying the static objects. So the reference lies in the logger, and this is what drops
-// it.
+// Drops the process's reference to its logger. Not a std::shared_ptr, because the thread that makes a logger
+// could store it here only after it has published the logger, and by then another thread may be destroying
+// the static objects. So the logger itself keeps the reference.
 class __attribute__((visibility("hidden"))) FastLogger::ProcessReference {
  public:
   constexpr ProcessReference() noexcept = default;

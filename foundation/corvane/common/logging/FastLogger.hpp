@@ -55,10 +55,11 @@ class FOUNDATION_EXPORT FastLogger {
   /// Takes the current log, with all that was recorded since the last snapshot, and puts an empty one in its
   /// place.
   ///
-  /// A thread that is inside `log` or `save` at this moment may still write to the log that was taken: two
-  /// yields give it time, and are no promise. Its event goes wholly into one of the two logs. While the
-  /// thread is still inside, the snapshot may show that event half written. Hold the snapshot until every
-  /// thread that may have been inside has left, and as long as texts saved in it are in use.
+  /// A thread that is inside `log` or `save` at this moment may still write to the log that was taken:
+  /// `snapshot` yields twice to give it time, but does not promise that the thread has left. Its event goes
+  /// wholly into one of the two logs. While the thread is still inside, the snapshot may show that event half
+  /// written. Hold the snapshot until every thread that may have been inside has left, and as long as texts
+  /// saved in it are in use.
   ///
   /// Without a log, see `instance()`: returns an empty log and changes nothing.
   /// @throws std::bad_alloc when memory runs out; nothing has been taken.

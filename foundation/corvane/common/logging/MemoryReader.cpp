@@ -41,7 +41,8 @@ bool MemoryReader::readThroughPipe(void* from, void* to, std::size_t size) noexc
   return read == static_cast<ssize_t>(size);
 }
 
-// The kernel copies with plain loads, in any order. This fence keeps those of the next call behind them.
+// The kernel copies with plain loads, in any order. Because of this fence, the loads of the next call come
+// after the loads of this one.
 void MemoryReader::acquire() noexcept {
 #if defined(__GNUC__) && !defined(__clang__)
 #pragma GCC diagnostic push

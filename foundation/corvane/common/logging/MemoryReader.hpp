@@ -8,8 +8,8 @@
 // Not installed.
 namespace foundation::corvane::common::logging {
 
-/// Reads memory of this process that may not be there, with system calls that a signal handler may make. Some
-/// of them are cancellation points, so the caller turns cancellation off.
+/// Reads memory of this process that may not be mapped any more. It makes only system calls that a signal
+/// handler may make. Some of these are cancellation points, so the caller turns cancellation off.
 class MemoryReader {
  public:
   MemoryReader() noexcept = default;

@@ -202,9 +202,10 @@ class Printer {
 
 }  // namespace
 
-// Not pthread_setcancelstate by its own declaration, which lets it throw: the second call unwinds a thread
-// that was cancelled asynchronously in the meantime. If dumpFastLog, which is noexcept, were compiled to
-// watch for exceptions, it would end the process then.
+// Declares pthread_setcancelstate as noexcept; the system's declaration lets it throw. The second call
+// unwinds a thread that was cancelled asynchronously in the meantime. With the system's declaration, the
+// compiler would make dumpFastLog, which is noexcept, watch for exceptions, and this unwinding would end the
+// process.
 extern "C" int setCancelState(int state, int* before) noexcept __asm__("pthread_setcancelstate");
 
 void dumpFastLog(int fd) noexcept {

@@ -21,8 +21,8 @@ namespace foundation::corvane::common::logging {
 /// old and half new.
 ///
 /// The log and its texts are read with the help of the kernel (process_vm_readv, or a pipe if that is
-/// forbidden). So it survives it if their memory is freed meanwhile, for example because an owner drops a
-/// snapshot early:
+/// forbidden). So `dumpFastLog` does not crash if that memory is freed meanwhile, for example because an
+/// owner drops a snapshot early. The table shows what it prints then:
 ///
 /// | what cannot be read             | what is printed                       |
 /// |---------------------------------|---------------------------------------|
@@ -34,7 +34,7 @@ namespace foundation::corvane::common::logging {
 /// If the memory of a log is in use for something else by then, the lines show what is there.
 ///
 /// Does nothing before the first `FastLogger::instance()` and after the end of the process's log. Stops if
-/// `fd` takes no more; a descriptor that does not block takes no more as soon as it would have to. A pipe
+/// `fd` takes no more. A non-blocking descriptor takes no more as soon as a write would have to wait. A pipe
 /// that nobody reads sends SIGPIPE, as for any write.
 FOUNDATION_EXPORT void dumpFastLog(int fd) noexcept;
 

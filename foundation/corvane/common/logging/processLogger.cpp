@@ -57,7 +57,8 @@ constexpr auto widths = [] {
 
 extern "C" FOUNDATION_EXPORT const Descriptor corvane_fastlog_descriptor;
 
-// Beside the pointer, which the logger needs, so that a program that links statically has it, too.
+// In the same file as processLogger, because the logger needs that pointer. So a program that links
+// statically contains the descriptor, too.
 extern "C" FOUNDATION_KEEP_FOR_DEBUGGERS const Descriptor corvane_fastlog_descriptor = {
     .magic = {"corvane.fastlog"},
     .version = 2,

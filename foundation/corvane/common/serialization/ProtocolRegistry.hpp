@@ -29,9 +29,9 @@ namespace foundation::corvane::common::serialization {
 /// is held for short sections, and never while an initializer runs or is destroyed, so that initializers may
 /// call back. Copies of initializers are made under it, though, and so is the diagnostic record that a name
 /// does not exist: neither a copy constructor nor a sink may use the same registry. In the child of a `fork`
-/// everything works: the mutex is free, and each change that another thread was making is there wholly or not
-/// at all. Errors: beside those named below, std::bad_alloc (nothing has changed then, but for what an
-/// initializer did), and whatever a sink of the diagnostic log throws. Trace: the diagnostic channel
+/// everything works: the mutex is free, and each change that another thread was making is either complete or
+/// has not happened. Errors: besides those named below, std::bad_alloc (nothing has changed then, except what
+/// an initializer did), and whatever a sink of the diagnostic log throws. Trace: the diagnostic channel
 /// "foundation::corvane::common::session::ProtocolRegistry".
 class FOUNDATION_EXPORT ProtocolRegistry {
  public:

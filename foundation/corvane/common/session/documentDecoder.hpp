@@ -80,8 +80,8 @@ constexpr unsigned bitsOf(Need least) {
 }
 
 /// Reads an object. `read(entry)` reads the value of a member of the table and says whether it fits. A name
-/// may come again; the last one counts. Returns whether the object is not lost.
-// Inlined where it is called, because the members are constants there, and so the names to compare with.
+/// may come again; the last one counts. Returns false if the object is lost.
+// Always inlined: the compiler then knows the members, and compares with constant names.
 template <class Table, class Observer, class Read>
 [[gnu::always_inline]] inline bool readObject(json::Reader& reader, Observer& observer, const Read& read) {
   constexpr std::size_t size = members<Table>.size();
@@ -133,7 +133,7 @@ inline constexpr std::size_t firstCapacity = 1024 / sizeof(Record);
 template <class Table, class Observer, class Record>
 void readRecord(json::Reader& reader, Observer& observer, Record& record);
 
-/// Reads a list of records; anything but a list is an empty one.
+/// Reads a list of records. A value that is not a list counts as an empty list.
 template <class Table, class Observer, class Record>
 bool readArray(json::Reader& reader, Observer& observer, std::vector<Record>& records) {
   records.clear();
@@ -201,7 +201,7 @@ bool readVersionNumber(json::Reader& reader, Observer& observer, unsigned& numbe
   return true;
 }
 
-/// Reads an object of its own into `part`, whose members in the table are empty before.
+/// Reads a nested object into `part`. First empties each member of `part` that the table lists.
 template <class Table, class Observer, class Part>
 bool readPart(json::Reader& reader, Observer& observer, Part& part);
 
@@ -233,7 +233,8 @@ bool readPart(json::Reader& reader, Observer& observer, Part& part) {
   return readMembers<Table>(reader, observer, part);
 }
 
-/// Reads an object into a default record, which stays so if the object is lost. The reader's token opens it.
+/// Reads an object into `record`, which is a default record before the call. If the object is lost, it is a
+/// default record after the call, too. The reader stands on the token that opens the object.
 template <class Table, class Observer, class Record>
 void readRecord(json::Reader& reader, Observer& observer, Record& record) {
   if (!readMembers<Table>(reader, observer, record)) record = {};

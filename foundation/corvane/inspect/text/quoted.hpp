@@ -10,8 +10,8 @@ namespace foundation::corvane::inspect::detail {
 
 /// The text in double quotes. It is `printable`, with backslashes doubled and quotes escaped.
 ///
-/// A text of more than `most` bytes is cut after at most that many, between two characters. Then "..."
-/// follows the quotes.
+/// A text of more than `most` bytes is cut between two characters, so that at most `most` bytes are left.
+/// Then "..." follows the closing quote.
 std::string quoted(std::string_view text, std::size_t most = 40);
 
 }  // namespace foundation::corvane::inspect::detail

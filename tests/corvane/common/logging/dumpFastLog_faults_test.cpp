@@ -1,6 +1,6 @@
-// SPDX-License-Identifier: Apache-2.0 What dumpFastLog does if the kernel takes or gives less than it is
-// asked for, and if the log is freed in the midst of it. A program of its own, because it replaces system
-// calls and the allocation of logs.
+// SPDX-License-Identifier: Apache-2.0
+// What dumpFastLog does if the kernel takes or gives less than it is asked for, and if the log is freed in
+// the midst of it. A program of its own, because it replaces system calls and the allocation of logs.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

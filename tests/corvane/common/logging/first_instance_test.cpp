@@ -1,5 +1,6 @@
-// SPDX-License-Identifier: Apache-2.0 A program of its own, because it replaces the allocation functions, and
-// because each first call needs a process that has not called FastLogger::instance() yet.
+// SPDX-License-Identifier: Apache-2.0
+// A program of its own, because it replaces the allocation functions, and because each first call needs a
+// process that has not called FastLogger::instance() yet.
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>

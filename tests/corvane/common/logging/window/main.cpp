@@ -1,7 +1,7 @@
-// SPDX-License-Identifier: Apache-2.0 A reader and a writer of one record, each stopped between two accesses
-// while the other one works. Always compiled with ThreadSanitizer, which reports a race if the bytes behind a
-// text are not published with its pointer. All that the threads tell each other is relaxed, so nothing else
-// orders what they do.
+// SPDX-License-Identifier: Apache-2.0
+// A reader and a writer of one record, each stopped between two accesses while the other one works. Always
+// compiled with ThreadSanitizer, which reports a race if the bytes behind a text are not published with its
+// pointer. All that the threads tell each other is relaxed, so nothing else orders what they do.
 #include "tests/corvane/common/logging/window/afterAccess.hpp"
 
 #include <atomic>
