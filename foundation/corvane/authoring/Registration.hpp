@@ -14,8 +14,8 @@ namespace foundation::corvane::authoring {
 
 /// A protocol that is registered as long as this lives: for modules that are unloaded, and for tests.
 ///
-///     const Registration telemetry(protocols, "Telemetry", install, Offer().feature("compression",
-///     {"lz4"}));
+///     const Registration telemetry(protocols, "Telemetry", install,
+///                                  Offer().feature("compression", {"lz4"}));
 ///
 /// Lifetime: shares the registry. Moved from, it registers nothing. Threads: as any value.
 class Registration {
