@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <csignal>
 #include <cstdint>
@@ -26,8 +27,6 @@
 
 #include "tests/exhaustion/exhaust.hpp"
 #include "tests/fork/work.hpp"
-
-extern char** environ;
 
 namespace {
 
@@ -123,12 +122,12 @@ int forkWhileOthersWork(const forking::Setting& setting, unsigned seed, int chil
 // The program.
 
 bool inNewProcess(const char* self, const forking::Setting& setting, unsigned seed, int children) {
-  std::string arguments[] = {setting.lockingSink ? "1" : "0", setting.logsBefore ? "1" : "0",
-                             std::to_string(seed), std::to_string(children)};
-  char* argv[] = {const_cast<char*>(self), arguments[0].data(), arguments[1].data(),
-                  arguments[2].data(),     arguments[3].data(), nullptr};
+  std::array<std::string, 4> arguments{setting.lockingSink ? "1" : "0", setting.logsBefore ? "1" : "0",
+                                       std::to_string(seed), std::to_string(children)};
+  std::array<char*, 6> argv{const_cast<char*>(self), arguments[0].data(), arguments[1].data(),
+                            arguments[2].data(),     arguments[3].data(), nullptr};
   pid_t process = 0;
-  if (::posix_spawn(&process, self, nullptr, nullptr, argv, environ) != 0) return false;
+  if (::posix_spawn(&process, self, nullptr, nullptr, argv.data(), environ) != 0) return false;
   int status = 0;
   return ::waitpid(process, &status, 0) == process && status == 0;
 }
@@ -141,8 +140,8 @@ bool runSetting(const char* self, const forking::Setting& setting, int children)
   for (int done = 0; done < children; done += childrenOfProcess) {
     const auto seed = static_cast<unsigned>(done);
     if (inNewProcess(self, setting, seed, std::min(childrenOfProcess, children - done))) continue;
-    std::printf("FAILED; once more: %s %d %d %u %d\n", self, setting.lockingSink, setting.logsBefore, seed,
-                childrenOfProcess);
+    std::printf("FAILED; once more: %s %d %d %u %d\n", self, setting.lockingSink ? 1 : 0,
+                setting.logsBefore ? 1 : 0, seed, childrenOfProcess);
     good = false;
   }
   return good;
@@ -151,7 +150,7 @@ bool runSetting(const char* self, const forking::Setting& setting, int children)
 void printTable() {
   table = new std::map<std::string, std::size_t>;
   std::mt19937 random;
-  Progress none{};
+  static Progress none{};
   progress = &none;
   for (const auto* body = testing::bodies; body != nullptr; body = body->next) body->run();
   std::puts("points  operation");

@@ -9,6 +9,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -33,8 +34,8 @@ bool isOfThisProject(Handler handler) {
 }
 
 std::string messageOfFailure(const char* self, int& status) {
-  int ends[2];
-  if (::pipe(ends) != 0) return "no pipe";
+  std::array<int, 2> ends{};
+  if (::pipe(ends.data()) != 0) return "no pipe";
   const auto child = ::fork();
   if (child == 0) {
     ::setenv("REFUSE_FORK_HANDLERS", "1", 1);
@@ -44,9 +45,9 @@ std::string messageOfFailure(const char* self, int& status) {
   }
   ::close(ends[1]);
   std::string message;
-  char piece[256];
-  for (ssize_t size = 0; (size = ::read(ends[0], piece, sizeof piece)) > 0;) {
-    message.append(piece, static_cast<std::size_t>(size));
+  std::array<char, 256> piece{};
+  for (ssize_t size = 0; (size = ::read(ends[0], piece.data(), piece.size())) > 0;) {
+    message.append(piece.data(), static_cast<std::size_t>(size));
   }
   ::close(ends[0]);
   ::waitpid(child, &status, 0);
@@ -56,6 +57,7 @@ std::string messageOfFailure(const char* self, int& status) {
 }  // namespace
 
 // What pthread_atfork of the C library calls.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the C library chose the name
 extern "C" int __register_atfork(Handler prepare, Handler parent, Handler child, void* object) {
   if (isOfThisProject(prepare) || isOfThisProject(parent) || isOfThisProject(child)) {
     ++registrations;
@@ -65,7 +67,7 @@ extern "C" int __register_atfork(Handler prepare, Handler parent, Handler child,
   return reinterpret_cast<Register>(::dlsym(RTLD_NEXT, "__register_atfork"))(prepare, parent, child, object);
 }
 
-int main(int, char** argv) {
+int main(int /*count*/, char** argv) {
   const auto kept = foundation::corvane::inspect::diagnose("{}");  // keeps all libraries linked
   int status = 0;
   const auto message = messageOfFailure(argv[0], status);

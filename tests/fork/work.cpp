@@ -41,7 +41,7 @@ std::uint64_t consumedBeforeFork = 0;
 class Sink : public boost::log::sinks::sink {
  public:
   explicit Sink(bool locks) : sink(false), locks_(locks) {}
-  bool will_consume(const boost::log::attribute_value_set&) override {
+  bool will_consume(const boost::log::attribute_value_set& /*values*/) override {
     const auto lock = maybeLock();
     return true;
   }
@@ -66,20 +66,21 @@ class Sink : public boost::log::sinks::sink {
 struct Installs {
   std::vector<std::string> texts = std::vector<std::string>(20, std::string(50, 'x'));
   std::pair<std::pair<unsigned, unsigned>, std::unordered_map<std::string, std::string>> operator()(
-      const std::shared_ptr<serialization::Registry>&, const std::pair<unsigned, unsigned>& version,
+      const std::shared_ptr<serialization::Registry>& /*registry*/,
+      const std::pair<unsigned, unsigned>& version,
       const std::unordered_map<std::string, std::string>& configuration) const {
     return {version, configuration};
   }
 };
 
 struct Objects {
+  logging::FastLog events;
   std::shared_ptr<serialization::ProtocolRegistry> protocols =
       serialization::ProtocolRegistry::create("same", "same");
-  logging::FastLog events;
   const char* const kept = events.save("a text that is saved before the fork");
-  bool lockingSink = false;
 };
 std::optional<Objects> objects;
+bool sinkLocks = false;
 
 std::string text(const char* name, std::uint64_t number) {
   return name + std::to_string(number);
@@ -105,7 +106,7 @@ void setMasks(std::uint64_t round) {
   log::set_enabled_severities(text("fork.new.", round % 8), ~0U);
 }
 
-void drawIdentifiers(std::uint64_t) {
+void drawIdentifiers(std::uint64_t /*round*/) {
   for (int i = 0; i < 20; ++i) {
     uuid::generateRandom();
     serialization::toID(serialization::toJSON(session::IDType()));
@@ -149,9 +150,9 @@ void installProtocols(std::uint64_t round) {
   objects->protocols->protocolNames();
 }
 
-void explainAndChangeSinks(std::uint64_t) {
+void explainAndChangeSinks(std::uint64_t /*round*/) {
   using namespace corvane::inspect;
-  const auto passing = boost::make_shared<Sink>(objects->lockingSink);
+  const auto passing = boost::make_shared<Sink>(sinkLocks);
   boost::log::core::get()->add_sink(passing);
   const std::string request = R"({"protocolConfigs":[{"name":"p","version":{"major":1,"minor":0}}]})";
   diagnose(request);
@@ -236,11 +237,12 @@ void recordsAreDropped() {
 
 }  // namespace
 
-const Check checks[5] = {masksAgree, identifiersAreOwn, textsKeepTheirPlace, registryIsWhole,
-                         recordsAreDropped};
+const std::array<Check, 5> checks{masksAgree, identifiersAreOwn, textsKeepTheirPlace, registryIsWhole,
+                                  recordsAreDropped};
 
 void startWork(const Setting& setting) {
-  objects.emplace().lockingSink = setting.lockingSink;
+  objects.emplace();
+  sinkLocks = setting.lockingSink;
   boost::log::core::get()->add_sink(boost::make_shared<Sink>(setting.lockingSink));
   for (const auto once : {writeRecords, trace, setMasks, drawIdentifiers, recordEvents, registerProtocols,
                           installProtocols, explainAndChangeSinks}) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <atomic>
+#include <array>
 #include <cstdint>
 
 namespace forking {
@@ -24,7 +24,7 @@ int forkInsideStatement();
 
 /// The checks of a child, beside the calls of tests/exhaustion. Each of them ends the process if it fails.
 using Check = void (*)();
-extern const Check checks[5];
+extern const std::array<Check, 5> checks;
 
 /// To be called first in a child.
 void enterChild() noexcept;

@@ -60,7 +60,7 @@ struct RecordsAfterFork : testing::Test {
     return holder;
   }
 
-  void logInEveryWay() {
+  static void logInEveryWay() {
     FOUNDATION_LOG(logger, 2) << "text";
     BOOST_LOG_SEV(logger, 2U) << "text";
     const function_scope scope(logger, "f()", "path", 1);
