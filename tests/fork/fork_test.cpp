@@ -3,8 +3,7 @@
 // that the libraries export must return.
 //
 // Without arguments: a short run of all settings, or a longer one by the factor CORVANE_STRESS; then the
-// table of the operations that each child calls, for complete.py. With a sanitizer the table alone: the
-// sanitizers' own allocators have locks that a fork can leave locked.
+// table of the operations that each child calls, for complete.py.
 #include <spawn.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
@@ -28,7 +27,6 @@
 
 #include "tests/exhaustion/exhaust.hpp"
 #include "tests/fork/work.hpp"
-#include "tests/sanitizers.hpp"
 
 namespace {
 
@@ -204,7 +202,6 @@ int main(int argc, char** argv) {
   const int children = childrenOfSetting * (factor == nullptr ? 1 : std::atoi(factor));
   bool good = true;
   for (const bool locks : {false, true}) {
-    if (tests::isSanitized) break;
     for (const bool logs : {false, true}) good = runSetting(argv[0], {locks, logs}, children) && good;
   }
   printTable();
