@@ -20,7 +20,7 @@ using exhaustion::Trace;
 constexpr auto channel = "exhaustion.a.channel.with.a.long.name";
 constinit file_logger fileLogger{channel};
 
-std::uint32_t indentationOf(basic_diagnostic_logger& logger) {
+[[maybe_unused]] std::uint32_t indentationOf(basic_diagnostic_logger& logger) {
   return logger.indent().get_value().extract_or_throw<std::uint32_t>();
 }
 
