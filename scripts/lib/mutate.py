@@ -27,7 +27,6 @@ BAR = 0.94  # of the whole tree's mutants, at least so many must be noticed
 UNFIT_TESTS = r"^(package|packaging|build|docs|mutation|tools\.gdb)\b"  # they look at files, symbols or texts
 COMPARISONS = {"<": ("<=", ">="), ">": (">=", "<="), "<=": ("<", ">"), ">=": (">", "<"), "==": ("!=",), "!=": ("==",)}
 ARITHMETIC = {"+": "-", "-": "+", "*": "/", "/": "*", "%": "*", "<<": ">>", ">>": "<<", "&": "|", "|": "&", "^": "&"}
-NEGATED = {*COMPARISONS, "&&", "||"}
 JUMPS = {Kind.BREAK_STMT, Kind.CONTINUE_STMT, Kind.RETURN_STMT}
 CONDITIONS = {Kind.IF_STMT, Kind.WHILE_STMT, Kind.DO_STMT, Kind.CONDITIONAL_OPERATOR, Kind.RETURN_STMT}
 WITH_BODIES = {Kind.IF_STMT, Kind.FOR_STMT, Kind.WHILE_STMT, Kind.CXX_FOR_RANGE_STMT}
@@ -182,10 +181,10 @@ class Finder:
         at, text = self.at(node), self.code(node)
         while node.kind in (Kind.UNEXPOSED_EXPR, Kind.PAREN_EXPR) and len(kids := list(node.get_children())) == 1:
             node = kids[0]
-        operator = self.operator(node, list(node.get_children()))
+        found = self.operator(node, list(node.get_children()))
         if node.kind == Kind.VAR_DECL:
             self.source.add(*at, (f"{text}; !{node.spelling}",), "", f"; #0 != static_cast<bool>({node.spelling})")
-        elif not (operator and operator[1] in NEGATED) and text[:1] != "!" and text not in ("", "true", "false"):
+        elif not (found and found[1] in (*COMPARISONS, "&&", "||") or text[:1] in "!" or text in ("true", "false")):
             self.source.add(*at, (f"!({text})",), "(#0 != static_cast<bool>(", "))")
 
     def literal(self, node, text):
@@ -273,8 +272,9 @@ def prepare(names, chosen):
 def run(command, directory, timeout, **environment):
     """The exit code, which is not 0 after the timeout, and the seconds."""
     start = time.monotonic()
-    done = subprocess.run(["timeout", "--signal=KILL", str(timeout), *command], cwd=directory, capture_output=True,
-                          stdin=subprocess.DEVNULL, env={**os.environ, **environment})
+    silent = {"stdin": subprocess.DEVNULL, "stdout": subprocess.DEVNULL, "stderr": subprocess.DEVNULL}
+    done = subprocess.run(["timeout", "--signal=KILL", str(timeout), *command], cwd=directory, **silent,
+                          env={**os.environ, **environment})
     return done.returncode, time.monotonic() - start
 
 
@@ -327,7 +327,6 @@ def main():
     options.add_argument("--base", default="HEAD", help="the revision since which files have changed (default: HEAD)")
     options.add_argument("--all", action="store_true", help=f"the whole tree; fails below {100 * BAR:.0f} %%")
     options = options.parse_args()
-    TREE.mkdir(parents=True, exist_ok=True)
     others = output("git", "ls-files", "--others", "--exclude-standard").splitlines()
     names = {name for name in output("git", "ls-files").splitlines() + others if (ROOT / name).is_file()}
     changed = options.paths if options.all or options.paths else others + output(
