@@ -13,12 +13,14 @@ foreach(class IN ITEMS FastLog FastLogger)
   if(body STREQUAL "")
     message(FATAL_ERROR "${class}::log was not found in ${object}")
   endif()
+  # Some disassemblers give the prefix a line of its own.
+  string(REGEX REPLACE "lock[ \t\n0-9a-f:]*xadd" "lock xadd" body "${body}")
   string(REGEX MATCHALL "lock xadd[^\n]*" additions "${body}")
-  string(REGEX MATCHALL "\tmov[a-z]* +%[a-z0-9]+,[^\n]*\\([^\n]*\\)" stores "${body}")
+  string(REGEX MATCHALL "\tmov[a-z]*[ \t]+%[a-z0-9]+,[^\n]*\\([^\n]*\\)" stores "${body}")
   list(LENGTH additions addition_count)
   list(LENGTH stores store_count)
   # `xchg %ax,%ax` does nothing: it fills the space behind a function.
-  string(REGEX MATCHALL "\t[a-z]*fence[^\n]*|\txchg +[^\n]*\\([^\n]*|\tcall[^\n]*|cmpxchg[^\n]*" dear "${body}")
+  string(REGEX MATCHALL "\t[a-z]*fence[^\n]*|\txchg[a-z]*[ \t]+[^\n]*\\([^\n]*|\tcall[^\n]*|cmpxchg[^\n]*" dear "${body}")
   if(NOT addition_count EQUAL 1 OR NOT store_count EQUAL 4 OR dear)
     message(SEND_ERROR "${class}::log with -O2: ${addition_count} locked additions, ${store_count} stores, "
       "and these: ${dear}\n${body}")

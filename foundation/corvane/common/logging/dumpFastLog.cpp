@@ -208,13 +208,22 @@ class Printer {
 // process.
 extern "C" int setCancelState(int state, int* before) noexcept __asm__("pthread_setcancelstate");
 
+namespace {
+
+// Apart from dumpFastLog, for the same reason: what is called in here may make the compiler watch.
+[[gnu::noinline]] void print(int fd, const FastLogger* logger) noexcept {
+  Printer(fd).print(logger);
+}
+
+}  // namespace
+
 void dumpFastLog(int fd) noexcept {
   const auto* const logger = processLogger.load();
   if (logger == nullptr) return;
   int state = PTHREAD_CANCEL_ENABLE;
   setCancelState(PTHREAD_CANCEL_DISABLE, &state);  // write, read and close are cancellation points
   const int savedErrno = errno;
-  Printer(fd).print(logger);
+  print(fd, logger);
   errno = savedErrno;
   setCancelState(state, nullptr);
 }

@@ -62,24 +62,42 @@ extern "C" ssize_t process_vm_readv(pid_t process, const iovec* local, unsigned 
 // which is what is mapped here. Small objects stay where a sanitizer finds the pointers in them.
 namespace {
 constexpr std::size_t mappedFrom = 4096;
+
+// Not every compiler passes the size to operator delete, so the sizes are kept here.
+struct Mapping {
+  void* at;
+  std::size_t size;
+};
+std::array<Mapping, 16> mappings{};
+
+void* map(std::size_t size) {
+  auto* const free =
+      std::find_if(mappings.begin(), mappings.end(), [](const auto& each) { return each.at == nullptr; });
+  if (free == mappings.end()) return nullptr;
+  void* const memory = ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  if (memory == MAP_FAILED) return nullptr;
+  *free = {memory, size};
+  return memory;
+}
 }  // namespace
 
 void* operator new(std::size_t size, std::align_val_t alignment) {
   const auto align = static_cast<std::size_t>(alignment);
   void* const memory =
-      size < mappedFrom ? std::aligned_alloc(align, (size + align - 1) / align * align)
-                        : ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-  return memory == nullptr || memory == MAP_FAILED ? throw std::bad_alloc() : memory;
+      size < mappedFrom ? std::aligned_alloc(align, (size + align - 1) / align * align) : map(size);
+  return memory == nullptr ? throw std::bad_alloc() : memory;
 }
-void operator delete(void* memory, std::size_t size, std::align_val_t) noexcept {
-  if (size < mappedFrom) {
-    std::free(memory);
-  } else {
+void operator delete(void* memory, std::align_val_t) noexcept {
+  for (auto& [at, size] : mappings) {
+    if (memory == nullptr || at != memory) continue;
     ::munmap(memory, size);
+    at = nullptr;
+    return;
   }
+  std::free(memory);
 }
-void operator delete(void*, std::align_val_t) noexcept {
-  std::abort();  // its size is not known
+void operator delete(void* memory, std::size_t, std::align_val_t alignment) noexcept {
+  operator delete(memory, alignment);
 }
 
 extern "C" int pipe2(int* ends, int flags) noexcept {
