@@ -110,14 +110,14 @@ struct Member {
 };
 
 template <Kind kind, class Record, class Word, class Table>
-constexpr std::span<const std::string_view> wordsOf(const Entry<kind, Word Record::*, Table>&) {
+constexpr std::span<const std::string_view> wordsOf(const Entry<kind, Word Record::*, Table>& /*entry*/) {
   if constexpr (kind == Kind::Word) return std::span(names<Word>).first(names<Word>.size() - 1);
   if constexpr (kind == Kind::WordOrUndefined) return names<Word>;
   return {};
 }
 
 template <Kind kind, class Place, class Table>
-constexpr std::span<const std::string_view> wordsOf(const Entry<kind, Place, Table>&) {
+constexpr std::span<const std::string_view> wordsOf(const Entry<kind, Place, Table>& /*entry*/) {
   return {};
 }
 
